@@ -1,0 +1,20 @@
+// Precompiled for every logic library.
+#pragma once
+#include <QByteArray>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QList>
+#include <QLoggingCategory>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <variant>
+#include <vector>

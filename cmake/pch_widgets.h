@@ -1,0 +1,19 @@
+// Precompiled for every library of windows.
+#pragma once
+#include "pch_core.h"
+#include <QAbstractItemModel>
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QFormLayout>
+#include <QHeaderView>
+#include <QIcon>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QPushButton>
+#include <QTableView>
+#include <QTreeView>
+#include <QVBoxLayout>
+#include <QWidget>
