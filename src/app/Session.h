@@ -1,0 +1,77 @@
+// The one open project and everything loaded from it.
+#pragma once
+
+#include "data/Dictionary.h"
+#include "data/PropertyStore.h"
+#include "jet/Database.h"
+#include "platform/Clock.h"
+#include "platform/Dialogues.h"
+#include "platform/FileAssociation.h"
+#include "platform/Progression.h"
+#include "platform/Settings.h"
+
+#include <QHash>
+#include <memory>
+
+namespace app {
+
+/// What the session needs of the world around it.
+struct Surroundings {
+    platform::Dialogues& dialogues;
+    platform::Clock& clock;
+    platform::Settings& settings;
+    QString applicationFolder;
+    QString version;
+};
+
+/// Opens, creates and optimises projects; holds the open database, its dictionary and property store.
+///
+/// Messages go through Dialogues, progress through Progression; nothing here knows a window. One project is
+/// open at a time. No member throws: a failure is said to the user and gives false.
+class Session {
+public:
+    explicit Session(Surroundings surroundings);
+    ~Session();
+
+    bool isOpen() const;
+    QString path() const;        ///< Canonical path; empty when nothing is open.
+    QString projectName() const; ///< File name with its extension.
+    bool readOnly() const;
+
+    /// Creates the file with the core tables and modules, then opens it.
+    bool create(const QString& path, platform::Progression& progression);
+    /// The opening sequence in twelve steps. A failure leaves no project open.
+    bool open(const QString& path, platform::Progression& progression);
+    void close();
+    /// Asks, repairs links, compacts with a backup, opens the compacted file.
+    bool optimise(platform::Progression& progression);
+    /// The file that start-up opens: the one named, else that of the setting. When it is missing and its backup is
+    /// there, offers to restore it. Empty when there is none.
+    QString startFile(const QString& named);
+    /// Asks whether project files should open with this program when they do not.
+    void checkAssociation(platform::FileAssociation& association);
+
+    jet::Database& database() const;
+    data::Dictionary& dictionary() const;
+    data::PropertyStore& properties() const;
+    /// Connected modules in module order ("ColAddin").
+    const QList<data::ModuleRecord>& modules() const;
+    /// Records in the floating selection of a module.
+    QList<qint32>& selection(const QString& module);
+    int selectionCount(const QString& module) const;
+
+    const Surroundings& surroundings() const { return m_surroundings; }
+
+private:
+    struct Opening;
+    void runOpening(const QString& path, platform::Progression& progression);
+    void reportOpening(const jet::Error& error);
+
+    Surroundings m_surroundings;
+    std::unique_ptr<jet::Database> m_database;
+    std::unique_ptr<data::Dictionary> m_dictionary;
+    std::unique_ptr<data::PropertyStore> m_properties;
+    QHash<QString, QList<qint32>> m_selections;
+};
+
+} // namespace app

@@ -1,0 +1,46 @@
+// The data dictionary: reading, writing, marking and purging of `PGTableDefs`.
+#pragma once
+
+#include "data/Modules.h"
+#include "jet/Database.h"
+#include "platform/Clock.h"
+#include "platform/Dialogues.h"
+
+namespace data {
+
+class Dictionary {
+public:
+    Dictionary(jet::Database& database, const platform::Clock& clock,
+               platform::Dialogues& dialogues);
+
+    /// Reads the modules (by `Index`, then `NomObjet`) with their fields, and builds their tables. A module whose
+    /// table cannot be built is dropped from the list.
+    void load();
+    const QList<ModuleRecord>& modules() const { return m_modules; }
+    const ModuleRecord* module(QStringView name) const;
+
+    /// Puts a definition into memory: adds it, or takes its fields over into the one of that name.
+    void put(const ModuleRecord& module);
+    /// Writes modules and fields back; rows that would not change are not written.
+    void save();
+    /// Sets `Index` to -1 for rows (with bit 2) of modules that are not among these.
+    void markUnconnected(const QStringList& connected);
+    /// Removes what is marked: modules (table, relation, link column, properties, parent keys), then fields.
+    void purge();
+    /// Deletes the dictionary rows of a module for its provider.
+    void deleteDefinitions(const QString& module, const QString& provider);
+
+private:
+    QList<FieldRecord> loadFields(const QString& module) const;
+    void saveModule(const ModuleRecord& module);
+    void saveField(const ModuleRecord& module, const FieldRecord& field);
+    void purgeModules();
+    void purgeFields();
+
+    jet::Database& m_database;
+    const platform::Clock& m_clock;
+    platform::Dialogues& m_dialogues;
+    QList<ModuleRecord> m_modules;
+};
+
+} // namespace data
