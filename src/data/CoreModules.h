@@ -1,0 +1,19 @@
+// The modules that every new project starts with.
+#pragma once
+
+#include "data/Modules.h"
+
+namespace data {
+
+/// Provider of the modules that are part of the program.
+inline const QString providerPrivate = QStringLiteral("Private");
+
+ModuleRecord coreIndividus();
+ModuleRecord coreDéterminations();
+/// A user module from the start, so that its fields can be extended.
+ModuleRecord coreImages();
+
+/// The modules that are part of the program, in their order.
+QList<ModuleRecord> builtInModules();
+
+} // namespace data
