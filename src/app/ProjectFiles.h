@@ -1,0 +1,21 @@
+// Files of a project on the disk: what replaces a file is written beside it and renamed last.
+#pragma once
+
+#include <QString>
+
+namespace app {
+
+/// The backup that optimising leaves: the path with ".hbx" replaced by ".hbx.bak".
+QString backupPath(const QString& project);
+/// A name beside the project for a file of this process that is not finished.
+QString temporaryPath(const QString& project);
+/// Removes the unfinished files that a process which is no more left beside the project.
+void removeStrayFiles(const QString& project);
+/// Copies `source` over `target` by way of a temporary file: complete or not at all. Throws
+/// jet::Error with a French description.
+void copySafely(const QString& source, const QString& target);
+/// Puts a finished file in the place of another (or of none) and flushes the folder. The target must have no
+/// journal, which would be played into the new file. Throws jet::Error.
+void moveIntoPlace(const QString& finished, const QString& target);
+
+} // namespace app

@@ -1,0 +1,173 @@
+#include "app/Session.h"
+
+#include "app/ProjectFiles.h"
+#include "data/CoreModules.h"
+#include "data/CoreSchema.h"
+
+#include <QFileInfo>
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+using platform::BoxIcon;
+
+namespace {
+
+const QString caption = u"Herbora"_s;
+
+const QList<data::ModuleRecord>& noModules()
+{
+    static const QList<data::ModuleRecord> none;
+    return none;
+}
+
+/// Writes the tables and modules of a new project into the file.
+void fillNewProject(jet::Database& database, const Surroundings& surroundings)
+{
+    jet::Operation operation(database, u"Création du projet"_s);
+    data::ensureDictionary(database);
+    data::ensureProperties(database);
+    data::ensureCollectors(database);
+    data::ensureLocalities(database);
+    data::ensureTaxa(database);
+    data::Dictionary dictionary(database, surroundings.clock, surroundings.dialogues);
+    dictionary.put(data::coreIndividus());
+    dictionary.put(data::coreDéterminations());
+    dictionary.put(data::coreImages());
+    dictionary.save();
+    dictionary.load();
+    database.SetProperty(u"HerboraVersion"_s, surroundings.version);
+    operation.commit();
+}
+
+} // namespace
+
+Session::Session(Surroundings surroundings) : m_surroundings(std::move(surroundings)) {}
+
+Session::~Session()
+{
+    close();
+}
+
+bool Session::isOpen() const
+{
+    return m_database && m_database->isOpen();
+}
+
+QString Session::path() const
+{
+    return isOpen() ? m_database->Name() : QString();
+}
+
+QString Session::projectName() const
+{
+    return QFileInfo(path()).fileName();
+}
+
+bool Session::readOnly() const
+{
+    return isOpen() && m_database->readOnly();
+}
+
+bool Session::create(const QString& path, platform::Progression& progression)
+{
+    const QString target = QFileInfo(path).absoluteFilePath();
+    const QString unfinished = temporaryPath(target);
+    try {
+        if (QFileInfo::exists(target))
+            jet::fail(3204, target);
+        removeStrayFiles(target);
+        // Built under another name: a project is there whole or not at all.
+        auto database = jet::Database::Create(unfinished, data::localeGeneral);
+        fillNewProject(*database, m_surroundings);
+        database->Close();
+        moveIntoPlace(unfinished, target);
+    } catch (const jet::Error& error) {
+        removeStrayFiles(target);
+        m_surroundings.dialogues.tell(
+            u"Impossible de créer la base de données :\n"_s + error.description(), caption,
+            BoxIcon::Stop);
+        return false;
+    }
+    return open(target, progression);
+}
+
+void Session::close()
+{
+    m_properties.reset();
+    m_dictionary.reset();
+    m_selections.clear();
+    if (m_database)
+        m_database->Close();
+    m_database.reset();
+}
+
+QString Session::startFile(const QString& named)
+{
+    if (named.isEmpty()) {
+        const QString last = m_surroundings.settings.read(u"Général.DefaultBase"_s);
+        return QFileInfo(last).isFile() ? last : QString();
+    }
+    const QString path = QFileInfo(named).absoluteFilePath();
+    const QString backup = backupPath(path);
+    if (QFileInfo::exists(path) || !QFileInfo(backup).isFile())
+        return path;
+    const bool restore = m_surroundings.dialogues.confirm(
+        u"Le fichier « %1 » est introuvable, mais sa copie de sauvegarde « %2 » existe.\n"
+        "Voulez-vous restaurer la base de données à partir de cette copie ?"_s.arg(path, backup),
+        caption, BoxIcon::Question);
+    if (!restore)
+        return {};
+    try {
+        copySafely(backup, path);
+    } catch (const jet::Error& error) {
+        m_surroundings.dialogues.tell(error.description(), caption, BoxIcon::Stop);
+        return {};
+    }
+    return path;
+}
+
+void Session::checkAssociation(platform::FileAssociation& association)
+{
+    const QString executable = m_surroundings.applicationFolder + u"/herbora"_s;
+    if (association.openCommand() == executable)
+        return;
+    const bool correct = m_surroundings.dialogues.confirm(
+        u"Les fichiers HBX ne sont pas correctement associés à Herbora\n"
+        "Souhaitez-vous corriger l'association dans la base de registre ?"_s,
+        caption + u": Registration"_s);
+    if (correct)
+        association.write(executable);
+}
+
+jet::Database& Session::database() const
+{
+    return *m_database;
+}
+
+data::Dictionary& Session::dictionary() const
+{
+    return *m_dictionary;
+}
+
+data::PropertyStore& Session::properties() const
+{
+    return *m_properties;
+}
+
+const QList<data::ModuleRecord>& Session::modules() const
+{
+    return m_dictionary ? m_dictionary->modules() : noModules();
+}
+
+QList<qint32>& Session::selection(const QString& module)
+{
+    return m_selections[module];
+}
+
+int Session::selectionCount(const QString& module) const
+{
+    return int(m_selections.value(module).size());
+}
+
+} // namespace app
