@@ -1,0 +1,216 @@
+// herbora_faults_driver: plays each operation of the table with a fault at one call after the
+// other.
+#include "Sweep.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace faults;
+
+namespace {
+
+struct Wishes {
+    QStringList operations; ///< Empty: all.
+    QString mode;           ///< Empty: all.
+    int call = 0;           ///< 0: all.
+    int sampleSize = 0;     ///< Over all operations; 0: every point.
+    int jobs = 1;
+    QString folder;
+    QString library;
+};
+
+const Operation* find(const QString& name)
+{
+    for (const Operation& operation : operations()) {
+        if (operation.name == name) {
+            return &operation;
+        }
+    }
+    return nullptr;
+}
+
+/// The child's part: plays the operation and says by its exit status how that ended.
+int play(const QString& name, const QString& folder)
+{
+    // A hang must end the trial, not the whole sweep.
+    alarm(60);
+    const Operation* operation = find(name);
+    return operation && operation->run(folder) ? 0 : 1;
+}
+
+/// Memory-backed where there is one: flushing costs nothing there and the calls are the same.
+QString scratchTemplate()
+{
+    const QFileInfo memory(u"/dev/shm"_s);
+    const QString parent =
+        memory.isDir() && memory.isWritable() ? memory.filePath() : QDir::tempPath();
+    return parent + u"/herbora-pannes-XXXXXX"_s;
+}
+
+std::vector<Point> chosenPoints(const Sweep& sweep, const Wishes& wishes, int sampleSize)
+{
+    std::vector<Point> points;
+    for (const Point& point : sweep.points()) {
+        if ((wishes.mode.isEmpty() || point.mode == wishes.mode) &&
+            (wishes.call == 0 || point.call == wishes.call)) {
+            points.push_back(point);
+        }
+    }
+    return sampleSize > 0 ? sample(points, sampleSize) : points;
+}
+
+/// Trials of one operation, shared out among workers that each have their own folder.
+std::vector<Fault> trials(const Operation& operation, const std::vector<Point>& points,
+                          const Wishes& wishes)
+{
+    std::vector<Fault> found;
+    std::mutex guard;
+    std::atomic<size_t> next{0};
+    const auto work = [&](int number) {
+        const QString folder =
+            u"%1/%2-%3"_s.arg(wishes.folder, operation.name, QString::number(number));
+        Sweep sweep(operation, folder, QCoreApplication::applicationFilePath(), wishes.library);
+        sweep.rehearse();
+        for (size_t i = next++; i < points.size(); i = next++) {
+            const QString wrong = sweep.trial(points[i]);
+            if (!wrong.isEmpty()) {
+                const std::lock_guard lock(guard);
+                found.push_back({points[i], wrong});
+            }
+        }
+    };
+    std::vector<std::thread> workers;
+    for (int number = 1; number <= wishes.jobs; ++number) {
+        workers.emplace_back(work, number);
+    }
+    for (std::thread& worker : workers) {
+        worker.join();
+    }
+    return found;
+}
+
+void report(QTextStream& out, const Sweep& sweep, const std::vector<Fault>& found)
+{
+    constexpr size_t shown = 10;
+    for (size_t i = 0; i < found.size() && i < shown; ++i) {
+        const Fault& fault = found[i];
+        const Call& call = sweep.calls()[static_cast<size_t>(fault.point.call - 1)];
+        out << u"    %1, appel %2 (%3 %4) : %5\n"_s.arg(
+            fault.point.mode, QString::number(fault.point.call), call.name,
+            QFileInfo(call.path).fileName(), fault.text);
+    }
+    if (found.size() > shown) {
+        out << u"    … et %1 autres\n"_s.arg(found.size() - shown);
+    }
+}
+
+/// Sweeps one operation. True when it stood the test.
+bool sweepOne(const Operation& operation, const Wishes& wishes, int sampleSize, QTextStream& out)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const QString folder = wishes.folder + u'/' + operation.name;
+    Sweep sweep(operation, folder, QCoreApplication::applicationFilePath(), wishes.library);
+    const QStringList wrong = sweep.rehearse();
+    if (!wrong.isEmpty()) {
+        out << operation.name << u" : "_s << wrong.join(u"\n    "_s) << Qt::endl;
+        return false;
+    }
+    const auto points = chosenPoints(sweep, wishes, sampleSize);
+    const auto found = trials(operation, points, wishes);
+    const double seconds = qMax<qint64>(clock.elapsed(), 1) / 1000.0;
+    out << u"%1 %2 appels, %3 points, %4 défauts, %5 s\n"_s.arg(
+        operation.name.leftJustified(20), QString::number(sweep.calls().size()).rightJustified(6),
+        QString::number(points.size()).rightJustified(6),
+        QString::number(found.size()).rightJustified(4), QString::number(seconds, 'f', 1));
+    if (operation.knownBad) {
+        if (found.empty()) {
+            out << u"    cette manière de faire est mauvaise, et rien ne l'a montré\n"_s;
+        }
+        out.flush();
+        return !found.empty();
+    }
+    report(out, sweep, found);
+    out.flush();
+    return found.empty();
+}
+
+int sweepAll(const Wishes& wishes)
+{
+    QTextStream out(stdout);
+    std::vector<const Operation*> chosen;
+    for (const Operation& operation : operations()) {
+        if (wishes.operations.isEmpty() || wishes.operations.contains(operation.name)) {
+            chosen.push_back(&operation);
+        }
+    }
+    if (chosen.empty()) {
+        out << u"Aucune opération de ce nom"_s << Qt::endl;
+        return 2;
+    }
+    bool good = true;
+    const int share = wishes.sampleSize / static_cast<int>(chosen.size());
+    for (const Operation* operation : chosen) {
+        try {
+            good = sweepOne(*operation, wishes, wishes.sampleSize > 0 ? qMax(share, 2) : 0, out) &&
+                   good;
+        } catch (const std::exception& error) {
+            out << operation->name << u" : "_s << QString::fromUtf8(error.what()) << Qt::endl;
+            good = false;
+        }
+    }
+    return good ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"Herbora"_s);
+    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 4 && arguments.at(1) == u"--jouer"_s) {
+        return play(arguments.at(2), arguments.at(3));
+    }
+
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOptions({
+        {u"complet"_s, u"tous les points (sinon un échantillon)"_s},
+        {u"echantillon"_s, u"nombre de points, toutes opérations ensemble"_s, u"N"_s, u"500"_s},
+        {u"operation"_s, u"cette opération seule (plusieurs fois possible)"_s, u"NOM"_s},
+        {u"mode"_s, u"cette panne seule : "_s + modes().join(u", "_s), u"MODE"_s},
+        {u"appel"_s, u"cet appel seul"_s, u"N"_s, u"0"_s},
+        {u"travaux"_s, u"essais menés de front"_s, u"N"_s,
+         QString::number(qMax(1U, std::thread::hardware_concurrency()))},
+    });
+    parser.process(application);
+
+    QTemporaryDir scratch(scratchTemplate());
+    if (!scratch.isValid()) {
+        QTextStream(stderr) << scratch.errorString() << Qt::endl;
+        return 2;
+    }
+    Wishes wishes;
+    wishes.operations = parser.values(u"operation"_s);
+    wishes.mode = parser.value(u"mode"_s);
+    wishes.call = parser.value(u"appel"_s).toInt();
+    const bool every = parser.isSet(u"complet"_s) || wishes.call > 0;
+    wishes.sampleSize = every ? 0 : parser.value(u"echantillon"_s).toInt();
+    wishes.jobs = qBound(1, parser.value(u"travaux"_s).toInt(), 16);
+    wishes.folder = QFileInfo(scratch.path()).canonicalFilePath();
+    wishes.library = QCoreApplication::applicationDirPath() + u"/libherbora_faults.so"_s;
+    return sweepAll(wishes);
+}
