@@ -106,6 +106,8 @@ QString Settings::read(const QString& path) const
 
 bool Settings::write(const QString& path, const QString& value)
 {
+    if (m_file.isEmpty())
+        return true;
     QStringList lines = linesOf(m_file);
     const Path parts = split(path);
     const QString text = parts.key + u'=' + value;

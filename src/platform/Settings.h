@@ -11,6 +11,7 @@ namespace platform {
 /// comes back cut: what is kept in the file is whole. Lines it does not know are kept.
 class Settings {
 public:
+    /// With an empty name nothing is read and nothing is kept (scripts, tests).
     explicit Settings(QString file);
 
     /// The file of this installation: in the application folder when that folder can be written,

@@ -1,0 +1,102 @@
+#include "cli/Arguments.h"
+
+namespace cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList& flags()
+{
+    static const QStringList names{u"--json"_s, u"--csv"_s, u"--oui"_s, u"--non"_s, u"--help"_s,
+                                   u"--version"_s};
+    return names;
+}
+
+const QStringList& valued()
+{
+    static const QStringList names{u"--individus"_s, u"--taxons"_s, u"--mot-de-passe"_s};
+    return names;
+}
+
+} // namespace
+
+Answers Arguments::answers() const
+{
+    if (has(u"--oui"_s) && has(u"--non"_s))
+        throw UsageError{u"--oui et --non s'excluent."_s};
+    return has(u"--oui"_s) ? Answers::Yes : has(u"--non"_s) ? Answers::No : Answers::Ask;
+}
+
+QString Arguments::file() const
+{
+    if (words.isEmpty())
+        throw UsageError{u"Indiquez le fichier du projet."_s};
+    return words.first();
+}
+
+int Arguments::number(const QString& option, int byDefault) const
+{
+    if (!has(option))
+        return byDefault;
+    bool valid = false;
+    const int value = options.value(option).toInt(&valid);
+    if (!valid || value < 0)
+        throw UsageError{u"L'option "_s + option + u" attend un nombre entier positif."_s};
+    return value;
+}
+
+Arguments parseArguments(const QStringList& arguments)
+{
+    Arguments result;
+    bool onlyWords = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString& argument = arguments[i];
+        if (onlyWords || !argument.startsWith(u"--")) {
+            (result.command.isEmpty() ? result.command : result.words.emplaceBack()) = argument;
+            continue;
+        }
+        if (argument == u"--") {
+            onlyWords = true;
+            continue;
+        }
+        const QString name = argument.section(u'=', 0, 0);
+        if (flags().contains(argument)) {
+            result.options.insert(argument, {});
+        } else if (valued().contains(name)) {
+            if (argument.contains(u'='))
+                result.options.insert(name, argument.section(u'=', 1));
+            else if (i + 1 < arguments.size())
+                result.options.insert(name, arguments[++i]);
+            else
+                throw UsageError{u"L'option "_s + name + u" attend une valeur."_s};
+        } else {
+            throw UsageError{u"Option inconnue : "_s + argument};
+        }
+    }
+    return result;
+}
+
+QString helpText()
+{
+    return u"Usage : herbora-cli COMMANDE FICHIER [OPTIONS]\n"
+           "\n"
+           "Commandes\n"
+           "  creer FICHIER                     crée un projet et l'ouvre une fois\n"
+           "  infos FICHIER [--json]            étapes de l'ouverture, puis l'arbre des modules\n"
+           "  sql FICHIER \"INSTRUCTION\" …       exécute une ou plusieurs instructions\n"
+           "      [--csv | --json]              forme des lignes obtenues\n"
+           "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
+           "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
+           "  demo FICHIER                      crée le projet de démonstration\n"
+           "      [--individus N [--taxons N]]  ou un projet synthétique de N individus\n"
+           "\n"
+           "Options\n"
+           "  --oui, --non                      répond oui (non) à toutes les questions\n"
+           "  --mot-de-passe MOT                mot de passe du fichier (sql, verifier)\n"
+           "  --help, --version\n"
+           "\n"
+           "État de sortie : 0 succès, 1 échec, 2 ligne de commande erronée."_s;
+}
+
+} // namespace cli

@@ -1,0 +1,15 @@
+// The commands of herbora-cli. Each gives the exit status.
+#pragma once
+
+#include "cli/Arguments.h"
+
+namespace cli {
+
+int runSql(const Arguments& arguments);
+int runCreate(const Arguments& arguments);
+int runInfos(const Arguments& arguments);
+int runOptimise(const Arguments& arguments);
+int runVerify(const Arguments& arguments);
+int runDemo(const Arguments& arguments);
+
+} // namespace cli
