@@ -26,6 +26,14 @@ private:
         bool negated = false;
         std::vector<std::pair<char32_t, char32_t>> ranges;
     };
+    class Parser;
+    class Subject;
+    /// Matches the element and moves `at` behind what it took.
+    bool matchesOne(const Element& element, const Subject& subject, qsizetype& at) const;
+
+    QString m_pattern;
+    QString m_prefix;
+    bool m_literal = true;
     std::vector<Element> m_elements;
 };
 

@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QString>
 #include <QStringView>
+#include <optional>
 
 namespace jet::text {
 
@@ -21,7 +22,19 @@ QString formatNumber(double value, QStringView pattern);
 QString formatDate(const QDateTime& value, QStringView pattern);
 QString formatText(QStringView value, QStringView pattern);
 /// Days since 1899-12-30 (local), the number behind a date value, and back.
+/// Days run on evenly before that date too, so that their order is that of the instants.
+/// daysToDate throws jet::Error 6 outside of the years 100 to 9999.
 double dateToDays(const QDateTime& value);
 QDateTime daysToDate(double days);
+
+/// The number that a whole text is, with "." or "," as decimal mark, blanks around it; nothing for any other
+/// text. Overflow throws jet::Error 6.
+std::optional<double> numberOfText(QStringView text);
+/// The date that a whole text is: "yyyy/mm/dd", "yyyy-mm-dd" or "dd/mm/yyyy", then "hh:mm" or "hh:mm:ss", or a
+/// time alone (on 1899-12-30); nothing for any other text.
+std::optional<QDateTime> dateOfText(QStringView text);
+/// The pattern has a placeholder of numbers ("0", "#"), or of dates (and none of numbers).
+bool isNumberPattern(QStringView pattern);
+bool isDatePattern(QStringView pattern);
 
 } // namespace jet::text
