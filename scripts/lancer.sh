@@ -13,8 +13,11 @@ if [ -z "$fichier" ]; then
     fichier=build/demo/herbier-demo.hbx
     if [ ! -e "$fichier" ]; then
         echo "Création du projet de démonstration : $fichier"
-        mkdir -p "$(dirname "$fichier")"
+        # Half a demo project must not be taken for a whole one by the next start.
+        trap 'rm -rf build/demo' EXIT
+        mkdir -p build/demo
         "$programmes/herbora-cli" demo "$fichier"
+        trap - EXIT
     fi
 fi
 
