@@ -1,9 +1,13 @@
 #include "Operation.h"
 
+#include "Project.h"
+#include "app/ProjectFiles.h"
+#include "jet/Recordset.h"
+
 #include <QCryptographicHash>
 #include <QFile>
-#include <QSaveFile>
-#include <QTextStream>
+#include <QFileInfo>
+#include <stdexcept>
 
 namespace faults {
 
@@ -11,29 +15,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString projectFile = u"projet.hbx"_s;
+const QString backupFile = u"projet.hbx.bak"_s;
 const QString textFile = u"texte.txt"_s;
+const QString settingsFile = u"Herbora.ini"_s;
 
-QByteArray oldText()
-{
-    return QByteArray(20'000, 'a');
-}
-QByteArray newText()
-{
-    return QByteArray(30'000, 'b');
-}
+// --- States and next starts that several operations share ----------------------------------
 
-bool say(const QString& message)
+QString projectState(const QString& folder)
 {
-    QTextStream(stderr) << message << Qt::endl;
-    return false;
+    return fingerprint(folder + u'/' + projectFile);
 }
 
-void writeOldText(const QString& folder)
+/// A backup need not be there, but where it is, it is a sound project.
+QString projectAndBackupState(const QString& folder)
 {
-    QFile file(folder + u'/' + textFile);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(oldText());
-    }
+    fingerprint(folder + u'/' + backupFile);
+    return projectState(folder);
 }
 
 QString bytesOf(const QString& path)
@@ -46,35 +44,244 @@ QString bytesOf(const QString& path)
         QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex());
 }
 
+void reopen(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        throw std::runtime_error("le projet ne s'ouvre plus");
+    }
+    place.session().close();
+}
+
+// --- Creating -----------------------------------------------------------------------------
+
+void prepareNothing(const QString&) {}
+
+bool create(const QString& folder)
+{
+    Workplace place(folder);
+    return place.create();
+}
+
+void createUnlessThere(const QString& folder)
+{
+    if (QFileInfo::exists(folder + u'/' + projectFile)) {
+        reopen(folder);
+    } else if (!create(folder)) {
+        throw std::runtime_error("le projet ne peut plus être créé");
+    }
+}
+
+// --- Records ------------------------------------------------------------------------------
+
+/// As a form does it: one individual with its determinations, as one operation.
+void insertRecords(jet::Database& database)
+{
+    const auto individuals = database.OpenRecordset(u"Individus"_s, jet::RecordsetType::Table);
+    const auto determinations =
+        database.OpenRecordset(u"Déterminations"_s, jet::RecordsetType::Table);
+    for (int i = 0; i < 5; ++i) {
+        individuals->AddNew();
+        individuals->SetValue(u"Numéro", u"N%1"_s.arg(i));
+        individuals->SetValue(u"Habitat", QString(3000, u'é'));
+        individuals->Update();
+        individuals->MoveToLastModified();
+        determinations->AddNew();
+        determinations->SetValue(u"ID Individus", individuals->Value(u"ID Individus"));
+        determinations->SetValue(u"ID Taxons", 1);
+        determinations->Update();
+    }
+}
+
+/// An update over a join and a delete that cascades.
+void changeRecords(jet::Database& database)
+{
+    database.Execute(
+        u"UPDATE Individus INNER JOIN Déterminations ON Individus.[ID Individus] = "
+        "Déterminations.[ID Individus] SET Individus.Habitat = Individus.Numéro & \" rochers\""_s);
+    database.Execute(u"DELETE * FROM Individus WHERE Numéro = \"1\""_s);
+}
+
+bool insert(const QString& folder)
+{
+    return withProject(folder, insertRecords);
+}
+bool change(const QString& folder)
+{
+    return withProject(folder, changeRecords);
+}
+
+// --- Optimising ---------------------------------------------------------------------------
+
+/// A project with something to repair and something to leave out.
+void prepareUntidy(const QString& folder)
+{
+    makeProject(folder);
+    withProject(folder, [](jet::Database& database) {
+        database.Execute(u"UPDATE Taxons SET Taxon = \" Arabis \", [ID Genre] = [ID Taxons]"_s);
+        database.Execute(u"UPDATE Individus SET [ID Déterminations] = 77 WHERE Numéro = \"3\""_s);
+        database.Execute(u"DELETE * FROM Individus WHERE Numéro = \"2\""_s);
+    });
+}
+
+bool optimise(const QString& folder)
+{
+    Workplace place(folder);
+    return place.open() && place.optimise();
+}
+
+// --- Opening ------------------------------------------------------------------------------
+
+/// As an earlier version left it: tables, columns and the version of today are not there yet.
+void prepareOlder(const QString& folder)
+{
+    makeProject(folder);
+    const auto database = jet::Database::Open(folder + u'/' + projectFile);
+    database->DeleteTable(u"Propriétés"_s);
+    database->DeleteField(u"Déterminations"_s, u"Commentaire"_s);
+    database->Execute(
+        u"DELETE * FROM PGTableDefs WHERE NomModule = \"Déterminations\" AND [Table] = \"Commentaire\""_s);
+    database->SetProperty(u"HerboraVersion"_s, u"0.0.9"_s);
+    database->Close();
+}
+
+bool openAndBrowse(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        return false;
+    }
+    try {
+        const auto rows =
+            place.session().database().OpenRecordset(u"SELECT * FROM Individus ORDER BY Numéro"_s);
+        rows->MoveLast();
+    } catch (const jet::Error& error) {
+        return say(error.description());
+    }
+    place.session().close();
+    return true;
+}
+
+/// Not one byte and not the date may change.
+QString bytesAndDate(const QString& folder)
+{
+    const QString path = folder + u'/' + projectFile;
+    return bytesOf(path) + QFileInfo(path).lastModified().toString(Qt::ISODateWithMs);
+}
+
+// --- A backup in the place of a lost project ------------------------------------------------
+
+void prepareBackupAlone(const QString& folder)
+{
+    makeProject(folder);
+    QFile::rename(folder + u'/' + projectFile, folder + u'/' + backupFile);
+}
+
+bool restore(const QString& folder)
+{
+    Workplace place(folder);
+    return !place.session().startFile(place.project()).isEmpty() && place.open();
+}
+
+void restoreAgain(const QString& folder)
+{
+    if (!restore(folder)) {
+        throw std::runtime_error("la copie de sauvegarde n'est plus restaurée");
+    }
+}
+
+// --- Settings -----------------------------------------------------------------------------
+
+bool writeSetting(const QString& folder, const QString& value)
+{
+    platform::Settings settings(folder + u'/' + settingsFile);
+    return settings.write(u"Général.DefaultBase"_s, value);
+}
+
+void prepareSettings(const QString& folder)
+{
+    writeSetting(folder, u"/avant/projet.hbx"_s);
+}
+
+bool changeSettings(const QString& folder)
+{
+    return writeSetting(folder, u"/après/projet.hbx"_s) || say(u"réglages non écrits"_s);
+}
+
+QString settingsState(const QString& folder)
+{
+    return platform::Settings(folder + u'/' + settingsFile).read(u"Général.DefaultBase"_s);
+}
+
+void readSettings(const QString& folder)
+{
+    settingsState(folder);
+}
+
+// --- A wrong way of working, to try the trial itself ----------------------------------------
+
+void prepareText(const QString& folder)
+{
+    QFile file(folder + u'/' + textFile);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(QByteArray(20'000, 'a'));
+    }
+}
+
+bool replaceInPlace(const QString& folder)
+{
+    const QByteArray text(30'000, 'b');
+    QFile file(folder + u'/' + textFile);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        return say(file.errorString());
+    }
+    return true;
+}
+
 QString textState(const QString& folder)
 {
     return bytesOf(folder + u'/' + textFile);
 }
-
-/// The folder keeps what an accident left: nothing cleans up text files.
-void noNextStart(const QString&) {}
-
-bool replaceInPlace(const QString& folder)
-{
-    QFile file(folder + u'/' + textFile);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return say(file.errorString());
-    }
-    return file.write(newText()) == newText().size() || say(file.errorString());
-}
-
-/// Tries the trial itself: a wrong way of replacing a file.
-Operation naiveReplacement()
-{
-    return {u"naif"_s, writeOldText, replaceInPlace, noNextStart, textState, {textFile}, {}, true};
-}
+void nothingToStart(const QString&) {}
 
 } // namespace
 
 const std::vector<Operation>& operations()
 {
     static const std::vector<Operation> table{
-        naiveReplacement(),
+        {u"creer"_s, prepareNothing, create, createUnlessThere, projectState, {projectFile}, {}},
+        {u"inserer"_s, makeProject, insert, reopen, projectState, {projectFile}, {}},
+        {u"modifier"_s, makeProject, change, reopen, projectState, {projectFile}, {}},
+        {u"optimiser"_s,
+         prepareUntidy,
+         optimise,
+         reopen,
+         projectAndBackupState,
+         {projectFile, backupFile},
+         {}},
+        {u"ouvrir-ancien"_s, prepareOlder, openAndBrowse, reopen, projectState, {projectFile}, {}},
+        {u"ouvrir"_s,
+         makeProject,
+         openAndBrowse,
+         reopen,
+         bytesAndDate,
+         {projectFile},
+         {projectFile}},
+        {u"restaurer"_s,
+         prepareBackupAlone,
+         restore,
+         restoreAgain,
+         projectAndBackupState,
+         {projectFile, backupFile},
+         {backupFile}},
+        {u"reglages"_s,
+         prepareSettings,
+         changeSettings,
+         readSettings,
+         settingsState,
+         {settingsFile},
+         {}},
+        {u"naif"_s, prepareText, replaceInPlace, nothingToStart, textState, {textFile}, {}, true},
     };
     return table;
 }
