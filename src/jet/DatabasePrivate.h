@@ -2,10 +2,12 @@
 #pragma once
 
 #include "jet/Database.h"
+#include "jet/StatementCache.h"
 #include "jet/Store.h"
 
 #include <QLockFile>
 #include <QSet>
+#include <atomic>
 
 namespace jet {
 
@@ -31,11 +33,26 @@ struct Database::Private {
 
     QSet<CursorHolder*> holders;
 
+    /// Compiled statements; its prepared ones are let go at close, as the cursors are.
+    struct Statements : CursorHolder {
+        StatementCache cache;
+        void finishReading() override {}
+        void invalidate() override { cache.clear(); }
+    } statements;
+    std::atomic<bool> cancelled = false; ///< Interrupt was called since the running call began.
+    bool definitionsTouched = false;     ///< In the running operation.
+
     // DatabaseStatements.cpp
-    /// Reads the rest of every open cursor; to be called before a write or a commit.
+    /// Reads the rest of every open cursor; to be called before a write or a commit. 3027 when the file is
+    /// read-only, 3034 when the store has dropped the running operation after an error.
     void beforeWrite();
     /// Runs `work` in a transaction of its own, or in the running one under a savepoint; whole or not at all.
+    /// It may change definitions: compiled statements are forgotten.
     void atomically(const std::function<void()>& work);
+    /// The same for work that leaves the definitions alone.
+    void wholly(const std::function<void()>& work);
+    /// The compiled statement of a text.
+    std::shared_ptr<CachedStatement> compiled(const QString& text);
 
     // DatabaseDefinitions.cpp / Catalog.cpp
     void loadSchema();

@@ -1,0 +1,44 @@
+// Rows of a statement that are known by the row identifiers of its tables.
+#pragma once
+
+#include "jet/Compile.h"
+#include "jet/RowSet.h"
+
+namespace jet {
+
+/// A list of row identifiers, 8 bytes for each source and row, and never the values.
+///
+/// Without an order the cursor gives the values of the row it stands on; every other row, and
+/// every row of an ordered statement (whose sort then carries identifiers alone), is looked up.
+class KeyedRows : public ListRows {
+public:
+    KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query);
+
+    void open() override;
+    QVariant value(int column) override;
+    qint64 rowId(int source) const override;
+    void removeCurrent() override;
+    void append(qint64 rowId) override;
+    bool standOn(qint64 rowId) override;
+    void finishReading() override;
+
+protected:
+    bool readOne() override;
+    bool isGone(qint64 row) const override;
+    void closeGaps() override;
+
+private:
+    const qint64* identifiers(qint64 row) const { return m_ids.data() + row * m_sources; }
+    Statement& lookUp(qint64 row);
+
+    std::shared_ptr<const CompiledQuery> m_query;
+    qint64 m_sources;
+    Statement m_cursor;
+    Statement m_lookUp;
+    std::vector<qint64> m_ids;
+    qint64 m_cursorRow = -1; ///< The row whose values the cursor holds.
+    qint64 m_lookedUp = -1;  ///< The row whose values the look-up holds.
+    qint64 m_gaps = 0;       ///< Rows taken out, not yet closed up.
+};
+
+} // namespace jet
