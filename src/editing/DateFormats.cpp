@@ -1,0 +1,260 @@
+#include "editing/Formats.h"
+
+#include <array>
+
+namespace editing {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList& monthNames()
+{
+    static const QStringList names{u"janvier"_s, u"février"_s, u"mars"_s, u"avril"_s, u"mai"_s,
+                                   u"juin"_s, u"juillet"_s, u"août"_s, u"septembre"_s, u"octobre"_s,
+                                   u"novembre"_s, u"décembre"_s};
+    return names;
+}
+
+/// Letters without their accents, so that "fevrier" and "aout" are read.
+QString plain(const QString& text)
+{
+    QString result;
+    for (const QChar c : text.normalized(QString::NormalizationForm_D)) {
+        if (c.isLetter())
+            result += c;
+    }
+    return result;
+}
+
+/// 1 to 12 for a French month name or its beginning of three letters or more ("sept.", "fév"); 0 for none.
+int monthOf(const QString& element)
+{
+    const QString word = plain(element);
+    if (word.size() < 3)
+        return 0;
+    for (int month = 1; month <= 12; ++month) {
+        if (plain(monthNames()[month - 1]).startsWith(word))
+            return month;
+    }
+    return 0;
+}
+
+bool isNumber(const QString& element)
+{
+    return !element.isEmpty()
+           && std::all_of(element.begin(), element.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+/// Cuts "10h30m" between digits; an "s" behind the seconds goes.
+QString withoutTimeLetters(const QString& element)
+{
+    if (monthOf(element))
+        return element;
+    QString result;
+    for (qsizetype i = 0; i < element.size(); ++i) {
+        const QChar c = element[i];
+        const bool behindDigit = i > 0 && element[i - 1].isDigit();
+        if (behindDigit && (c == u'h' || c == u'm'))
+            result += u'/';
+        else if (!(behindDigit && c == u's'))
+            result += c;
+    }
+    return result;
+}
+
+QStringList elementsOf(const QString& text)
+{
+    QString t = text.toLower();
+    for (const QString& separator : {u":"_s, u"\\"_s, u" h "_s, u" m "_s, u"-"_s, u" "_s})
+        t.replace(separator, u"/"_s);
+    for (const QString& letter : {u"/h/"_s, u"/m/"_s})
+        t.replace(letter, u"/"_s);
+    t.replace(QChar(QChar::Nbsp), u'/');
+    QStringList elements;
+    for (const QString& part : t.split(u'/', Qt::SkipEmptyParts)) {
+        if (part == u"s")
+            continue;
+        const QString cut = withoutTimeLetters(part);
+        for (const QString& element : cut.split(u'/', Qt::SkipEmptyParts)) {
+            if (!element.trimmed().isEmpty())
+                elements << element.trimmed();
+        }
+    }
+    return elements;
+}
+
+struct Day {
+    int year = -1;
+    int month = -1; ///< -1 when missing
+    int day = -1;
+};
+
+int yearOf(const QString& element)
+{
+    if (!isNumber(element) || element.size() > 4)
+        return -1;
+    const int value = element.toInt();
+    if (element.size() > 2)
+        return value;
+    return value < 50 ? 2000 + value : 1900 + value;
+}
+
+int monthNumber(const QString& element)
+{
+    if (const int named = monthOf(element))
+        return named;
+    const int value = isNumber(element) && element.size() <= 2 ? element.toInt() : 0;
+    return value >= 1 && value <= 12 ? value : -1;
+}
+
+int dayNumber(const QString& element)
+{
+    const QString digits = element == u"1er" ? u"1"_s : element;
+    const int value = isNumber(digits) && digits.size() <= 2 ? digits.toInt() : 0;
+    return value >= 1 && value <= 31 ? value : -1;
+}
+
+/// Year, month, day as far as there are elements; nothing when one of them cannot be what it should.
+std::optional<Day> yearFirst(const QStringList& e)
+{
+    Day day{yearOf(e[0]), -1, -1};
+    if (day.year < 0)
+        return {};
+    if (e.size() > 1 && (day.month = monthNumber(e[1])) < 0)
+        return {};
+    if (e.size() > 2 && (day.day = dayNumber(e[2])) < 0)
+        return {};
+    return day;
+}
+
+std::optional<Day> dayFirst(const QStringList& e)
+{
+    if (e.size() < 3)
+        return {};
+    const Day day{yearOf(e[2]), monthNumber(e[1]), dayNumber(e[0])};
+    if (day.year < 0 || day.month < 0 || day.day < 0)
+        return {};
+    return day;
+}
+
+std::optional<Day> monthFirst(const QStringList& e)
+{
+    if (e.size() < 2)
+        return {};
+    const Day day{yearOf(e[1]), monthNumber(e[0]), -1};
+    if (day.year < 0 || day.month < 0)
+        return {};
+    return day;
+}
+
+QString two(int value)
+{
+    return QString::number(value).rightJustified(2, u'0');
+}
+
+QString dateText(const Day& day)
+{
+    QString text = QString::number(day.year).rightJustified(4, u'0');
+    if (day.month > 0)
+        text += u'/' + two(day.month);
+    if (day.day > 0)
+        text += u'/' + two(day.day);
+    return text;
+}
+
+/// "10", "10:30", "10:30:15.25"; nothing when an element is no time.
+std::optional<QString> timeText(const QStringList& elements)
+{
+    constexpr std::array limits{24, 59, 60};
+    if (elements.size() > qsizetype(limits.size()))
+        return {};
+    QStringList parts;
+    for (qsizetype i = 0; i < elements.size(); ++i) {
+        const QString whole = elements[i].section(u'.', 0, 0);
+        const QString decimals = elements[i].section(u'.', 1);
+        const bool decimal = elements[i].contains(u'.');
+        if (!isNumber(whole) || whole.size() > 2 || whole.toInt() > limits[size_t(i)])
+            return {};
+        if (decimal && (i != 2 || !isNumber(decimals)))
+            return {};
+        parts << two(whole.toInt()) + (decimal ? u'.' + decimals : QString());
+    }
+    return parts.join(u':');
+}
+
+QStringList datePart(const QString& text)
+{
+    return text.section(u' ', 0, 0).split(u'/', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+QString ParseDate(const QString& text)
+{
+    const QStringList elements = elementsOf(text.normalized(QString::NormalizationForm_C));
+    if (elements.isEmpty())
+        return {};
+    const qsizetype dateSize = std::min<qsizetype>(3, elements.size());
+    const QStringList date = elements.first(dateSize);
+    const QStringList time = elements.mid(3);
+    for (const auto reading : {yearFirst, dayFirst, monthFirst}) {
+        const bool partial = reading == &monthFirst;
+        const std::optional<Day> day = reading(date);
+        if (!day || (partial && elements.size() > 2))
+            continue;
+        const std::optional<QString> clock = timeText(time);
+        if (!clock)
+            return {};
+        return clock->isEmpty() ? dateText(*day) : dateText(*day) + u' ' + *clock;
+    }
+    return {};
+}
+
+QString FormatDate(const QString& text, int style)
+{
+    const QStringList date = datePart(text);
+    if (date.isEmpty() || text.isEmpty())
+        return {};
+    const QString year = date[0].rightJustified(4, u'0');
+    const int month = date.size() > 1 ? date[1].toInt() : 0;
+    const bool named = month >= 1 && month <= 12;
+    const QString day = date.size() > 2 ? two(date[2].toInt()) : QString();
+    const QString name = named ? monthNames()[month - 1] : QString();
+    const QString number = named ? two(month) : QString();
+
+    QStringList parts;
+    QString separator = u"/"_s;
+    switch (style) {
+    case 0: parts = {day, name, year}; separator = u" "_s; break;
+    case 1: parts = {day, number, year}; break;
+    case 2: parts = {name, year}; separator = u" "_s; break;
+    case 3: parts = {number, year.right(2)}; break;
+    case 5: parts = {number, day, year}; break;
+    default: parts = {year}; break;
+    }
+    parts.removeAll(QString());
+    const QString time = text.section(u' ', 1).trimmed();
+    return time.isEmpty() ? parts.join(separator) : parts.join(separator) + u" - "_s + time;
+}
+
+QString DateBound(const QString& text, bool upper)
+{
+    // The hour 24 and seconds just inside the minute lie outside every real time in text order.
+    static const QStringList last{u"12"_s, u"31"_s, u"24"_s, u"59"_s, u"59.9999991"_s};
+    static const QStringList first{u"01"_s, u"01"_s, u"00"_s, u"00"_s, u"00.0000009"_s};
+    const QString parsed = ParseDate(text);
+    if (parsed.isEmpty())
+        return {};
+    QStringList elements = QString(parsed).replace(u':', u'/').replace(u' ', u'/').split(u'/');
+    while (elements.size() < 6)
+        elements << (upper ? last : first)[elements.size() - 1];
+    return elements.first(3).join(u'/') + u' ' + elements.mid(3).join(u':');
+}
+
+QString NowStamp(const platform::Clock& clock)
+{
+    return platform::stamp(clock);
+}
+
+} // namespace editing
