@@ -55,6 +55,7 @@ std::vector<QByteArray> environment(const QByteArrayList& orders)
 std::vector<char*> pointers(std::vector<QByteArray>& texts)
 {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (QByteArray& text : texts) {
         result.push_back(text.data());
     }
@@ -254,6 +255,7 @@ std::vector<Point> sample(const std::vector<Point>& points, int wanted)
         return points;
     }
     std::vector<Point> chosen;
+    chosen.reserve(static_cast<size_t>(wanted));
     for (int i = 0; i < wanted; ++i) {
         chosen.push_back(
             points[static_cast<size_t>(static_cast<qint64>(i) * (size - 1) / (wanted - 1))]);
