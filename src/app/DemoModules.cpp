@@ -1,0 +1,124 @@
+#include "app/DemoModules.h"
+
+#include "app/DemoData.h"
+#include "data/FieldType.h"
+
+#include <QFile>
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString measures = u"Mesures"_s;
+
+data::FieldRecord field(const QString& caption, const QString& column, data::FieldType type, const QString& help)
+{
+    data::FieldRecord record;
+    record.caption = caption;
+    record.column = column;
+    record.type = type;
+    record.help = help;
+    return record;
+}
+
+QList<data::FieldRecord> measureFields()
+{
+    using namespace data;
+    QList<FieldRecord> fields{
+        field(u"Rubrique"_s, u"Rubrique"_s, Label, u"Domaine des mesures"_s),
+        field(u"Méthode"_s, u"Méthode"_s, ListeSimple, u"Ce qui a été mesuré"_s),
+        field(u"Organes mesurés"_s, u"Organes"_s, ListeMultiple, u"Organes dont il existe une mesure"_s),
+        field(u"Diamètre"_s, u"Diamètre"_s, Réel, u"Diamètre du tronc à hauteur de poitrine, en centimètres"_s),
+        field(u"Hauteur"_s, u"Hauteur"_s, Réel, u"Hauteur de l'arbre, en mètres"_s),
+        field(u"Épaisseur d'écorce"_s, u"Écorce"_s, Réel, u"Épaisseur de l'écorce, en millimètres"_s),
+        field(u"Densité du bois"_s, u"DensitéBois"_s, Réel, u"Densité du bois, en grammes par centimètre cube"_s),
+        field(u"Diamètre et hauteur"_s, u"Complet"_s, OuiNon, u"Le diamètre et la hauteur sont connus"_s),
+        field(u"Longueur de tige"_s, u"LongueurTige"_s, Texte, u"Longueur de la tige en décimètres, ou intervalle"_s),
+        field(u"Longueur du style"_s, u"LongueurStyle"_s, Texte, u"Longueur du style en millimètres, ou intervalle"_s),
+        field(u"Longueur du fruit"_s, u"LongueurFruit"_s, Texte,
+              u"Longueur du fruit mûr en millimètres, ou intervalle"_s),
+        field(u"Nombre d'ovules"_s, u"NombreOvules"_s, Texte, u"Nombre d'ovules, ou intervalle"_s),
+        field(u"Nombre de mesures"_s, u"NombreMesures"_s, Entier, u"Nombre de mesures de cet enregistrement"_s),
+        field(u"Date de l'échantillon"_s, u"DateÉchantillon"_s, Date, u"Date de récolte de l'échantillon mesuré"_s),
+        field(u"Récolteur de l'échantillon"_s, u"ID Collecteurs"_s, Botaniste, u"Récolteur de l'échantillon mesuré"_s),
+        field(u"Lieu de l'échantillon"_s, u"ID Localités"_s, Localité, u"Parcelle ou lieu de l'échantillon mesuré"_s),
+        field(u"Longitude du point"_s, u"LongitudePoint"_s, Longitude, u"Longitude de la plante mesurée"_s),
+        field(u"Latitude du point"_s, u"LatitudePoint"_s, Latitude, u"Latitude de la plante mesurée"_s),
+        field(u"Taxon de l'échantillon"_s, u"ID Taxons"_s, Taxon, u"Nom de l'échantillon lors de la mesure"_s),
+        field(u"Détermination"_s, u"ID Déterminations"_s, LienCourant, u"Détermination retenue lors de la mesure"_s),
+        field(u"Planche de comparaison"_s, u"Planche"_s, Image, u"Image d'une planche de la même espèce"_s),
+        field(u"Relevé"_s, u"Relevé"_s, TexteMémo, u"Toutes les mesures avec leur unité, comme la source les donne"_s),
+    };
+    for (qsizetype i = 0; i < fields.size(); ++i) {
+        fields[i].index = int(i);
+        if (fields[i].type == Réel) {
+            fields[i].rule = u">0"_s;
+            fields[i].ruleText = u"Une mesure est un nombre positif"_s;
+        }
+        if (fields[i].type == LienCourant)
+            fields[i].provider = moduleDéterminations;
+        if (fields[i].column == u"Méthode")
+            fields[i].descriptors = {u"Inventaire forestier"_s, u"Planche d'herbier"_s, u"Échantillon de bois"_s};
+        if (fields[i].column == u"Organes")
+            fields[i].descriptors = {u"plante entière"_s, u"tronc"_s, u"écorce"_s, u"bois"_s,
+                                     u"tige"_s, u"style"_s, u"ovule"_s, u"fruit"_s};
+    }
+    return fields;
+}
+
+/// Lines of items, as stored objects keep them.
+QString lines(const QStringList& lines)
+{
+    return lines.join(u"\r\n"_s);
+}
+
+} // namespace
+
+data::ModuleRecord demoMeasuresModule()
+{
+    data::ModuleRecord module;
+    module.name = measures;
+    module.label = measures;
+    module.help = u"Mesures faites sur la plante ou sur son échantillon"_s;
+    module.index = 3;
+    QFile icon(demoResourceFolder() + u"mesures.svg"_s);
+    if (icon.open(QIODevice::ReadOnly))
+        module.icon = icon.readAll();
+    module.fields = measureFields();
+    return module;
+}
+
+void writeDemoStructure(Session& session, const QStringList& herbaria)
+{
+    jet::Operation operation(session.database(), u"Démonstration : structure"_s);
+    session.dictionary().put(demoMeasuresModule());
+    session.dictionary().save();
+    session.properties().put(data::kindDescripteur, data::moduleIndividus, u"Herbier"_s, herbaria.join(u';'));
+    session.dictionary().load();
+    operation.commit();
+}
+
+void writeDemoObjects(Session& session, const QString& imageFolder)
+{
+    jet::Operation operation(session.database(), u"Démonstration : requêtes et modèles"_s);
+    data::PropertyStore& store = session.properties();
+    const QString individus = data::moduleIndividus;
+    // Mode, columns (field, alias, sort order), criteria (link, field, operator, value).
+    store.put(data::kindRequête, individus, u"Plantes d'altitude"_s,
+              lines({u"data"_s, u"Individus.Numéro\tNuméro\tCroissant"_s, u"Individus.Altitude\tAltitude\tDécroissant"_s,
+                     u"Individus.ID Localités\tLocalité\t"_s, u"ET\tIndividus.Altitude\t>\t400"_s}));
+    store.put(data::kindRequête, individus, u"Herbier RB"_s,
+              lines({u"data"_s, u"Individus.Numéro\tNuméro\t"_s, u"Individus.ID Collecteurs\tCollecteur\tCroissant"_s,
+                     u"Individus.DateRécolte\tDate de récolte\t"_s, u"ET\tIndividus.Herbier\t=\tRB"_s}));
+    store.put(data::kindRequête, measures, u"Grands arbres"_s,
+              lines({u"data"_s, u"Mesures.Diamètre\tDiamètre\tDécroissant"_s, u"Mesures.Hauteur\tHauteur\t"_s,
+                     u"ET\tMesures.Diamètre\t>\t40"_s}));
+    // Key of the record, field, preset value.
+    store.put(data::kindModèle, individus, u"Récolte pour RB"_s, lines({u"0-Individus;Herbier;RB"_s}));
+    store.put(u"ImagePaths"_s, u"Images"_s, u"Paths"_s, imageFolder);
+    operation.commit();
+}
+
+} // namespace app
