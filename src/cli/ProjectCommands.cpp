@@ -133,8 +133,8 @@ int runDemo(const Arguments& arguments)
     const QString file = arguments.file();
     Bench bench(arguments, false);
     app::DemoOptions options;
-    options.individuals = arguments.number(u"--individus"_s, 0);
-    options.taxa = arguments.number(u"--taxons"_s, 0);
+    options.individus = arguments.number(u"--individus"_s, 0);
+    options.taxons = arguments.number(u"--taxons"_s, 0);
     if (!app::buildDemo(bench.session, file, bench.progression, options))
         return Failure;
     printLine(u"Projet créé : "_s + QFileInfo(file).absoluteFilePath());

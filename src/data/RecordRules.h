@@ -26,8 +26,8 @@ private:
 struct RecordValues {
     qint32 id = 0;       ///< 0 for a new record.
     qint32 individu = 0; ///< The owning individual; 0 for a new individual.
-    QString keyParent;   ///< "125-Déterminations"; empty for none.
-    QList<QPair<QString, QVariant>> values; ///< Columns to write; Null is an invalid QVariant.
+    QString keyParent = {}; ///< "125-Déterminations"; empty for none.
+    QList<QPair<QString, QVariant>> values = {}; ///< Columns to write; Null is an invalid QVariant.
     bool valid = true;   ///< The form's fields passed their own validation.
 };
 

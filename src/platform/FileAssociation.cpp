@@ -20,7 +20,7 @@ const QString mimeType = u"application/x-herbora-project"_s;
 QString keyOf(const QString& file, const QString& group, const QString& key)
 {
     QFile in(file);
-    if (!in.open(QIODevice::ReadOnly))
+    if (file.isEmpty() || !in.open(QIODevice::ReadOnly))
         return {};
     bool inside = false;
     const QStringList lines = QString::fromUtf8(in.readAll()).split(u'\n');
@@ -63,6 +63,15 @@ bool writeFile(const QString& path, const QString& content)
     QDir().mkpath(QFileInfo(path).absolutePath());
     QSaveFile out(path);
     return out.open(QIODevice::WriteOnly) && out.write(content.toUtf8()) >= 0 && out.commit();
+}
+
+void runQuietly(const QString& program, const QString& argument)
+{
+    QProcess process;
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(program, {argument});
+    process.waitForFinished();
 }
 
 class DesktopFileAssociation : public FileAssociation {
@@ -162,8 +171,8 @@ bool DesktopFileAssociation::write(const QString& executable)
         && writeFile(m_data + u"/mime/packages/org.herbora.Herbora.xml"_s, QString(type).replace(u"%1"_s, mimeType))
         && writeDefault();
     // The desktop's caches: best effort, the tools need not be there.
-    QProcess::execute(u"update-mime-database"_s, {m_data + u"/mime"_s});
-    QProcess::execute(u"update-desktop-database"_s, {m_data + u"/applications"_s});
+    runQuietly(u"update-mime-database"_s, m_data + u"/mime"_s);
+    runQuietly(u"update-desktop-database"_s, m_data + u"/applications"_s);
     return written;
 }
 

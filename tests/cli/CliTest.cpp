@@ -1,0 +1,108 @@
+#include "support/Print.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Result {
+    int status;
+    QString out;
+    QString err;
+    QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
+};
+
+Result run(const QStringList& arguments)
+{
+    QProcess process;
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(QCoreApplication::applicationDirPath() + u"/herbora-cli"_s, arguments);
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+class CliTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        file = folder.filePath(u"projet.hbx"_s);
+        ASSERT_EQ(run({u"creer"_s, file}).status, 0);
+    }
+    QTemporaryDir folder;
+    QString file;
+};
+
+TEST_F(CliTest, RunsStatements)
+{
+    const Result insert = run({u"sql"_s, file, u"INSERT INTO Collecteurs ([Collecteur],[Initiales]) VALUES (\"Aublet\",\"A.\")"_s,
+                               u"UPDATE Collecteurs SET [Bot]=False"_s});
+    EXPECT_EQ(insert.status, 0);
+    EXPECT_EQ(insert.out, u"1 enregistrement(s) modifié(s)\n1 enregistrement(s) modifié(s)\n"_s);
+    const Result json = run({u"sql"_s, file, u"--json"_s,
+                             u"SELECT [ID Collecteurs],[Collecteur],[Bot],[Organisme],1.5 AS d FROM Collecteurs"_s});
+    EXPECT_EQ(json.json(), (QJsonObject{{u"colonnes"_s, QJsonArray{u"ID Collecteurs"_s, u"Collecteur"_s, u"Bot"_s, u"Organisme"_s, u"d"_s}},
+                                        {u"lignes"_s, QJsonArray{QJsonArray{1, u"Aublet"_s, false, QJsonValue::Null, 1.5}}}}));
+    EXPECT_EQ(run({u"sql"_s, file, u"--json"_s, u"DELETE * FROM Taxons"_s}).json(), (QJsonObject{{u"modifies"_s, 0}}));
+    EXPECT_EQ(run({u"sql"_s, file, u"--csv"_s, u"SELECT Collecteur & \" \"\"x\"\"\" AS [N;1] FROM Collecteurs"_s}).out,
+              u"\"N;1\"\n\"Aublet \"\"x\"\"\"\n"_s);
+}
+
+TEST_F(CliTest, ReportsErrors)
+{
+    const Result unique = run({u"sql"_s, file, u"--json"_s, u"SELECT * FROM Absente"_s});
+    EXPECT_EQ(unique.status, 1);
+    EXPECT_EQ(unique.json()[u"erreur"_s].toObject()[u"numero"_s].toInt(), 3078);
+    EXPECT_EQ(run({u"creer"_s, file}).status, 1);
+    EXPECT_EQ(run({u"sql"_s, file}).status, 2);
+    EXPECT_EQ(run({u"danser"_s, file}).status, 2);
+    EXPECT_EQ(run({u"infos"_s, file, u"--rapide"_s}).status, 2);
+    EXPECT_EQ(run({}).status, 2);
+    EXPECT_EQ(run({u"infos"_s, folder.filePath(u"absent.hbx"_s)}).status, 1);
+}
+
+TEST_F(CliTest, ShowsStepsAndTree)
+{
+    const QJsonObject infos = run({u"infos"_s, file, u"--json"_s}).json();
+    EXPECT_EQ(infos[u"titre"_s].toString(), u"projet.hbx - Herbora"_s);
+    EXPECT_EQ(infos[u"etapes"_s].toArray().size(), 12);
+    EXPECT_EQ(infos[u"etapes"_s].toArray()[11].toObject()[u"pourcentage"_s].toInt(), 100);
+    const QJsonObject root = infos[u"arbre"_s].toArray()[0].toObject();
+    EXPECT_EQ(root[u"cle"_s].toString(), u"Bases"_s);
+    EXPECT_EQ(root[u"icone"_s].toString(), u"Database"_s);
+    const QString plain = run({u"infos"_s, file}).out;
+    EXPECT_TRUE(plain.contains(u"  5 %  Initialisation des modules internes\n"_s)) << plain.toStdString();
+}
+
+TEST_F(CliTest, OptimisesOnlyWhenTold)
+{
+    const Result refused = run({u"optimiser"_s, file});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.err.contains(u"Question sans réponse"_s));
+    EXPECT_FALSE(QFile::exists(file + u".bak"_s));
+    EXPECT_EQ(run({u"optimiser"_s, file, u"--oui"_s}).status, 0);
+    EXPECT_TRUE(QFile::exists(file + u".bak"_s));
+    const Result sound = run({u"verifier"_s, file, u"--json"_s});
+    EXPECT_EQ(sound.json(), (QJsonObject{{u"ok"_s, true}, {u"constats"_s, QJsonArray()}}));
+}
+
+TEST_F(CliTest, FindsFaults)
+{
+    run({u"sql"_s, file, u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s,
+         u"INSERT INTO Images ([ID Individus],[Fichier],[KeyParent]) VALUES (1,\"x.jpg\",\"9-Déterminations\")"_s,
+         u"INSERT INTO Taxons ([Taxon]) VALUES (\"sans rang\")"_s});
+    const Result found = run({u"verifier"_s, file});
+    EXPECT_EQ(found.status, 1);
+    EXPECT_TRUE(found.out.contains(u"sans parent : « Images » sous « Déterminations »"_s)) << found.out.toStdString();
+    EXPECT_TRUE(found.out.contains(u"1 taxon(s) sans rang"_s));
+}
+
+} // namespace
