@@ -1,8 +1,5 @@
 #include "jet/sql/Lexer.h"
 
-#include <array>
-#include <cmath>
-
 namespace jet::sql {
 
 using namespace Qt::StringLiterals;
@@ -15,21 +12,51 @@ struct KeywordText {
 };
 
 constexpr KeywordText keywords[] = {
-    {u"ALL", Keyword::All}, {u"AND", Keyword::And}, {u"AS", Keyword::As},
-    {u"ASC", Keyword::Asc}, {u"BETWEEN", Keyword::Between}, {u"BY", Keyword::By},
-    {u"DELETE", Keyword::Delete}, {u"DESC", Keyword::Desc}, {u"DISTINCT", Keyword::Distinct},
-    {u"DISTINCTROW", Keyword::DistinctRow}, {u"EQV", Keyword::Eqv}, {u"EXISTS", Keyword::Exists},
-    {u"FALSE", Keyword::False}, {u"FROM", Keyword::From}, {u"GROUP", Keyword::Group},
-    {u"HAVING", Keyword::Having}, {u"IMP", Keyword::Imp}, {u"IN", Keyword::In},
-    {u"INNER", Keyword::Inner}, {u"INSERT", Keyword::Insert}, {u"INTO", Keyword::Into},
-    {u"IS", Keyword::Is}, {u"JOIN", Keyword::Join}, {u"LEFT", Keyword::Left},
-    {u"LIKE", Keyword::Like}, {u"MOD", Keyword::Mod}, {u"NO", Keyword::No},
-    {u"NOT", Keyword::Not}, {u"NULL", Keyword::Null}, {u"OFF", Keyword::Off},
-    {u"ON", Keyword::On}, {u"OR", Keyword::Or}, {u"ORDER", Keyword::Order},
-    {u"OUTER", Keyword::Outer}, {u"PERCENT", Keyword::Percent}, {u"RIGHT", Keyword::Right},
-    {u"SELECT", Keyword::Select}, {u"SET", Keyword::Set}, {u"TOP", Keyword::Top},
-    {u"TRUE", Keyword::True}, {u"UNION", Keyword::Union}, {u"UPDATE", Keyword::Update},
-    {u"VALUES", Keyword::Values}, {u"WHERE", Keyword::Where}, {u"XOR", Keyword::Xor},
+    {u"ALL", Keyword::All},
+    {u"AND", Keyword::And},
+    {u"AS", Keyword::As},
+    {u"ASC", Keyword::Asc},
+    {u"BETWEEN", Keyword::Between},
+    {u"BY", Keyword::By},
+    {u"DELETE", Keyword::Delete},
+    {u"DESC", Keyword::Desc},
+    {u"DISTINCT", Keyword::Distinct},
+    {u"DISTINCTROW", Keyword::DistinctRow},
+    {u"EQV", Keyword::Eqv},
+    {u"EXISTS", Keyword::Exists},
+    {u"FALSE", Keyword::False},
+    {u"FROM", Keyword::From},
+    {u"GROUP", Keyword::Group},
+    {u"HAVING", Keyword::Having},
+    {u"IMP", Keyword::Imp},
+    {u"IN", Keyword::In},
+    {u"INNER", Keyword::Inner},
+    {u"INSERT", Keyword::Insert},
+    {u"INTO", Keyword::Into},
+    {u"IS", Keyword::Is},
+    {u"JOIN", Keyword::Join},
+    {u"LEFT", Keyword::Left},
+    {u"LIKE", Keyword::Like},
+    {u"MOD", Keyword::Mod},
+    {u"NO", Keyword::No},
+    {u"NOT", Keyword::Not},
+    {u"NULL", Keyword::Null},
+    {u"OFF", Keyword::Off},
+    {u"ON", Keyword::On},
+    {u"OR", Keyword::Or},
+    {u"ORDER", Keyword::Order},
+    {u"OUTER", Keyword::Outer},
+    {u"PERCENT", Keyword::Percent},
+    {u"RIGHT", Keyword::Right},
+    {u"SELECT", Keyword::Select},
+    {u"SET", Keyword::Set},
+    {u"TOP", Keyword::Top},
+    {u"TRUE", Keyword::True},
+    {u"UNION", Keyword::Union},
+    {u"UPDATE", Keyword::Update},
+    {u"VALUES", Keyword::Values},
+    {u"WHERE", Keyword::Where},
+    {u"XOR", Keyword::Xor},
     {u"YES", Keyword::Yes},
 };
 
@@ -259,139 +286,35 @@ TokenKind Scanner::scanMark()
     const QChar c = at();
     ++m_at;
     switch (c.unicode()) {
-    case u',': return TokenKind::Comma;
-    case u';': return TokenKind::Semicolon;
-    case u'.': return TokenKind::Dot;
-    case u'!': return TokenKind::Bang;
-    case u'(': return TokenKind::Open;
-    case u')': return TokenKind::Close;
-    case u'*': return TokenKind::Star;
-    case u'/': return TokenKind::Slash;
-    case u'\\': return TokenKind::Backslash;
-    case u'^': return TokenKind::Caret;
-    case u'+': return TokenKind::Plus;
-    case u'-': return TokenKind::Minus;
-    case u'=': return TokenKind::Equal;
-    default: return TokenKind::Bad;
+    case u',':
+        return TokenKind::Comma;
+    case u';':
+        return TokenKind::Semicolon;
+    case u'.':
+        return TokenKind::Dot;
+    case u'!':
+        return TokenKind::Bang;
+    case u'(':
+        return TokenKind::Open;
+    case u')':
+        return TokenKind::Close;
+    case u'*':
+        return TokenKind::Star;
+    case u'/':
+        return TokenKind::Slash;
+    case u'\\':
+        return TokenKind::Backslash;
+    case u'^':
+        return TokenKind::Caret;
+    case u'+':
+        return TokenKind::Plus;
+    case u'-':
+        return TokenKind::Minus;
+    case u'=':
+        return TokenKind::Equal;
+    default:
+        return TokenKind::Bad;
     }
-}
-
-// "FFFF" is -1 and "1FFFF" is 131071: up to four digits stand for a 16-bit
-// number, up to eight for a 32-bit one.
-QVariant hexNumber(QStringView digits)
-{
-    bool read = false;
-    const qulonglong value = digits.toULongLong(&read, 16);
-    if (!read || value > 0xFFFFFFFFu)
-        return {};
-    return value <= 0xFFFFu ? QVariant(int(qint16(value))) : QVariant(int(qint32(value)));
-}
-
-// Reads the parts of a date constant one after the other.
-class DateReader {
-public:
-    explicit DateReader(QStringView text) : m_text(text) {}
-
-    std::optional<QDateTime> read();
-
-private:
-    void skipBlanks()
-    {
-        while (!m_text.isEmpty() && m_text.front().isSpace())
-            m_text = m_text.sliced(1);
-    }
-    bool accept(QChar mark)
-    {
-        if (m_text.isEmpty() || m_text.front() != mark)
-            return false;
-        m_text = m_text.sliced(1);
-        return true;
-    }
-    int number(qsizetype& digits);
-    bool readDate();
-    bool readTime();
-    bool readHalfOfDay(int& hour);
-
-    QStringView m_text;
-    QDate m_date{1899, 12, 30};
-    QTime m_time{0, 0};
-};
-
-int DateReader::number(qsizetype& digits)
-{
-    digits = 0;
-    while (digits < m_text.size() && isDigit(m_text[digits]))
-        ++digits;
-    const int value = digits > 0 && digits <= 4 ? m_text.first(digits).toInt() : -1;
-    m_text = m_text.sliced(digits);
-    return value;
-}
-
-bool DateReader::readDate()
-{
-    qsizetype width = 0;
-    const int first = number(width);
-    const bool iso = width == 4;
-    const QChar mark = m_text.isEmpty() ? QChar() : m_text.front();
-    if (mark != u'/' && mark != u'-')
-        return false;
-    accept(mark);
-    const int second = number(width);
-    if (!accept(mark))
-        return false;
-    int third = number(width);
-    if (first < 0 || second < 0 || third < 0)
-        return false;
-    if (!iso && width <= 2)
-        third += third < 30 ? 2000 : 1900;
-    m_date = iso ? QDate(first, second, third) : QDate(third, first, second);
-    return m_date.isValid() && m_date.year() >= 100;
-}
-
-bool DateReader::readHalfOfDay(int& hour)
-{
-    const bool morning = m_text.startsWith(u"am", Qt::CaseInsensitive);
-    if (!morning && !m_text.startsWith(u"pm", Qt::CaseInsensitive))
-        return true;
-    m_text = m_text.sliced(2);
-    if (hour < 1 || hour > 12)
-        return false;
-    hour = hour % 12 + (morning ? 0 : 12);
-    return true;
-}
-
-bool DateReader::readTime()
-{
-    qsizetype width = 0;
-    int hour = number(width);
-    if (!accept(u':'))
-        return false;
-    const int minute = number(width);
-    const int second = accept(u':') ? number(width) : 0;
-    skipBlanks();
-    if (!readHalfOfDay(hour))
-        return false;
-    m_time = QTime(hour, minute, second);
-    return m_time.isValid();
-}
-
-std::optional<QDateTime> DateReader::read()
-{
-    skipBlanks();
-    qsizetype width = 0;
-    while (width < m_text.size() && isDigit(m_text[width]))
-        ++width;
-    const bool timeOnly = width < m_text.size() && m_text[width] == u':';
-    if (!timeOnly && !readDate())
-        return std::nullopt;
-    if (!accept(u'T'))
-        skipBlanks();
-    if (!m_text.isEmpty() && !readTime())
-        return std::nullopt;
-    skipBlanks();
-    if (!m_text.isEmpty())
-        return std::nullopt;
-    return QDateTime(m_date, m_time);
 }
 
 } // namespace
@@ -413,47 +336,6 @@ QString badReason(QStringView token)
     if (first == u'#')
         return u"une date n'est pas fermée par « # »"_s;
     return u"un caractère n'est pas permis ici"_s;
-}
-
-QString nameOf(QStringView token)
-{
-    if (token.startsWith(u'['))
-        return token.sliced(1, token.size() - 2).toString();
-    if (token.endsWith(u'$') || token.endsWith(u'@'))
-        return token.chopped(1).toString();
-    return token.toString();
-}
-
-QString textOf(QStringView token)
-{
-    const QChar quote = token.front();
-    const QStringView inner = token.sliced(1, token.size() - 2);
-    QString result;
-    result.reserve(inner.size());
-    for (qsizetype i = 0; i < inner.size(); ++i) {
-        result += inner[i];
-        if (inner[i] == quote)
-            ++i;
-    }
-    return result;
-}
-
-QVariant numberOf(QStringView token)
-{
-    if (token.startsWith(u'&'))
-        return hexNumber(token.sliced(2));
-    bool whole = false;
-    const int small = token.toInt(&whole);
-    if (whole)
-        return small;
-    bool read = false;
-    const double value = token.toDouble(&read);
-    return read && std::isfinite(value) ? QVariant(value) : QVariant();
-}
-
-std::optional<QDateTime> dateOf(QStringView token)
-{
-    return DateReader(token.sliced(1, token.size() - 2)).read();
 }
 
 } // namespace jet::sql

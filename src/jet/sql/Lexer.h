@@ -11,29 +11,88 @@ namespace jet::sql {
 
 enum class TokenKind {
     End,
-    Bad,     ///< Text that begins no token, or one that is not closed; see badReason.
-    Word,    ///< A bare name or a keyword; may close with "$" or "@" (a function).
-    Name,    ///< A name in brackets.
-    Text,    ///< Text between double or single quotes.
-    Number,  ///< 12, 1.5, .5, 1e3, &H1F.
-    Date,    ///< #3/7/2026#, #2026-03-07 14:05:09#.
-    Comma, Semicolon, Dot, Bang, Open, Close,
-    Star, Slash, Backslash, Caret, Plus, Minus, Ampersand,
-    Equal, NotEqual, Less, Greater, LessEqual, GreaterEqual,
+    Bad,    ///< Text that begins no token, or one that is not closed; see badReason.
+    Word,   ///< A bare name or a keyword; may close with "$" or "@" (a function).
+    Name,   ///< A name in brackets.
+    Text,   ///< Text between double or single quotes.
+    Number, ///< 12, 1.5, .5, 1e3, &H1F.
+    Date,   ///< #3/7/2026#, #2026-03-07 14:05:09#.
+    Comma,
+    Semicolon,
+    Dot,
+    Bang,
+    Open,
+    Close,
+    Star,
+    Slash,
+    Backslash,
+    Caret,
+    Plus,
+    Minus,
+    Ampersand,
+    Equal,
+    NotEqual,
+    Less,
+    Greater,
+    LessEqual,
+    GreaterEqual,
 };
 
 /// The words that mean something to the grammar; every other word is a name.
 enum class Keyword {
     None,
-    All, And, As, Asc, Between, By, Delete, Desc, Distinct, DistinctRow, Eqv, Exists, False, From,
-    Group, Having, Imp, In, Inner, Insert, Into, Is, Join, Left, Like, Mod, No, Not, Null, Off, On,
-    Or, Order, Outer, Percent, Right, Select, Set, Top, True, Union, Update, Values, Where, Xor, Yes,
+    All,
+    And,
+    As,
+    Asc,
+    Between,
+    By,
+    Delete,
+    Desc,
+    Distinct,
+    DistinctRow,
+    Eqv,
+    Exists,
+    False,
+    From,
+    Group,
+    Having,
+    Imp,
+    In,
+    Inner,
+    Insert,
+    Into,
+    Is,
+    Join,
+    Left,
+    Like,
+    Mod,
+    No,
+    Not,
+    Null,
+    Off,
+    On,
+    Or,
+    Order,
+    Outer,
+    Percent,
+    Right,
+    Select,
+    Set,
+    Top,
+    True,
+    Union,
+    Update,
+    Values,
+    Where,
+    Xor,
+    Yes,
 };
 
 struct Token {
     TokenKind kind = TokenKind::End;
     Keyword keyword = Keyword::None;
-    int place = 0;  ///< Offset of the first character in the text.
+    int place = 0; ///< Offset of the first character in the text.
     int length = 0;
 };
 

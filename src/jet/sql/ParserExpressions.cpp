@@ -28,17 +28,22 @@ bool isComparison(TokenKind kind)
 BinaryOp comparisonOp(TokenKind kind)
 {
     switch (kind) {
-    case TokenKind::NotEqual: return BinaryOp::NotEqual;
-    case TokenKind::Less: return BinaryOp::Less;
-    case TokenKind::Greater: return BinaryOp::Greater;
-    case TokenKind::LessEqual: return BinaryOp::LessEqual;
-    case TokenKind::GreaterEqual: return BinaryOp::GreaterEqual;
-    default: return BinaryOp::Equal;
+    case TokenKind::NotEqual:
+        return BinaryOp::NotEqual;
+    case TokenKind::Less:
+        return BinaryOp::Less;
+    case TokenKind::Greater:
+        return BinaryOp::Greater;
+    case TokenKind::LessEqual:
+        return BinaryOp::LessEqual;
+    case TokenKind::GreaterEqual:
+        return BinaryOp::GreaterEqual;
+    default:
+        return BinaryOp::Equal;
     }
 }
 
-template<typename Node>
-GrownExpr grown(int place, Node node, int height = 1)
+template<typename Node> GrownExpr grown(int place, Node node, int height = 1)
 {
     return {std::make_unique<Expr>(Expr{place, std::move(node)}), height};
 }
@@ -171,9 +176,12 @@ bool Parser::atNegatedTest() const
 GrownExpr Parser::test(GrownExpr left, bool negated)
 {
     switch (next().keyword) {
-    case Keyword::Like: return like(std::move(left), negated);
-    case Keyword::Between: return between(std::move(left), negated);
-    default: return in(std::move(left), negated);
+    case Keyword::Like:
+        return like(std::move(left), negated);
+    case Keyword::Between:
+        return between(std::move(left), negated);
+    default:
+        return in(std::move(left), negated);
     }
 }
 
@@ -253,13 +261,20 @@ bool Parser::ruleStandsForColumn() const
 GrownExpr Parser::primary()
 {
     switch (peek().kind) {
-    case TokenKind::Text: return literal(textOf(textOfToken(peek())));
-    case TokenKind::Number: return number();
-    case TokenKind::Date: return date();
-    case TokenKind::Open: return parentheses();
-    case TokenKind::Name: return column();
-    case TokenKind::Word: return word();
-    default: refuse(3075, u"une valeur est attendue"_s);
+    case TokenKind::Text:
+        return literal(textOf(textOfToken(peek())));
+    case TokenKind::Number:
+        return number();
+    case TokenKind::Date:
+        return date();
+    case TokenKind::Open:
+        return parentheses();
+    case TokenKind::Name:
+        return column();
+    case TokenKind::Word:
+        return word();
+    default:
+        refuse(3075, u"une valeur est attendue"_s);
     }
 }
 
@@ -267,13 +282,16 @@ GrownExpr Parser::word()
 {
     const bool call = at(TokenKind::Open, 1);
     switch (peek().keyword) {
-    case Keyword::Null: return literal({});
+    case Keyword::Null:
+        return literal({});
     case Keyword::True:
     case Keyword::Yes:
-    case Keyword::On: return literal(true);
+    case Keyword::On:
+        return literal(true);
     case Keyword::False:
     case Keyword::No:
-    case Keyword::Off: return literal(false);
+    case Keyword::Off:
+        return literal(false);
     case Keyword::Exists:
         if (call)
             return exists();
@@ -283,7 +301,8 @@ GrownExpr Parser::word()
         if (call)
             return this->call();
         break;
-    default: break;
+    default:
+        break;
     }
     if (call && (atName() || closesWithMark(peek())))
         return this->call();

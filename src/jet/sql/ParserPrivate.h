@@ -12,8 +12,7 @@ namespace jet::sql {
 
 /// What a production gives: the tree and its height. The height is counted
 /// because whoever walks or destroys a tree recurses as deep as it is high.
-template<typename Pointer>
-struct Grown {
+template<typename Pointer> struct Grown {
     Pointer tree;
     int height = 1;
 };
@@ -23,8 +22,20 @@ using GrownFrom = Grown<FromPtr>;
 
 /// How tightly operators bind, from the loosest to the tightest.
 enum class Binding {
-    Imp, Eqv, Or, Xor, And, Not, Comparison, Concat, Additive, Modulo, IntDivide, Multiplicative,
-    Power, Unary,
+    Imp,
+    Eqv,
+    Or,
+    Xor,
+    And,
+    Not,
+    Comparison,
+    Concat,
+    Additive,
+    Modulo,
+    IntDivide,
+    Multiplicative,
+    Power,
+    Unary,
 };
 
 class Parser {
@@ -122,7 +133,7 @@ private:
     std::vector<Token> m_tokens;
     size_t m_at = 0;
     int m_depth = 0;
-    int m_clause = 3129; ///< The error number of the clause that is being read.
+    int m_clause = 3129;                 ///< The error number of the clause that is being read.
     std::optional<QString> m_ruleColumn; ///< Set while missing left operands stand for it.
 
     friend class Deeper;

@@ -101,7 +101,8 @@ GrownExpr Parser::output()
         next();
         return {std::make_unique<Expr>(Expr{place, Star{std::move(table)}})};
     }
-    // A reserved word or nothing where a field should stand is a fault of the SELECT, not of an expression.
+    // A reserved word or nothing where a field should stand is a fault of the SELECT, not of an
+    // expression.
     if (at(TokenKind::End) || at(TokenKind::Comma) || at(Keyword::From) || at(Keyword::Where))
         refuse(u"un champ est attendu"_s);
     return expression();
