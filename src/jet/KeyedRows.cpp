@@ -14,8 +14,9 @@ constexpr qint64 gone = noRecord + 1;
 
 } // namespace
 
-KeyedRows::KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query)
-    : ListRows(store), m_query(std::move(query)), m_sources(qint64(m_query->sources.size()))
+KeyedRows::KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query, QStringList existence)
+    : ListRows(store), m_query(std::move(query)), m_sources(qint64(m_query->sources.size())),
+      m_existence(std::move(existence))
 {
 }
 
@@ -96,6 +97,7 @@ Statement& KeyedRows::lookUp(qint64 row)
     else
         m_lookUp = Statement(m_store, m_query->rowSql);
     m_lookedUp = -1;
+    m_checked = -1;
     if (isGone(row))
         fail(3167, m_query->sources.front().table);
     for (int source = 0; source < m_sources; ++source) {
@@ -117,7 +119,32 @@ QVariant KeyedRows::value(int column)
     const DataType type = m_query->outputs[size_t(column)].type;
     if (m_cursorRow == m_row && !m_query->ordered)
         return m_cursor.value(int(m_sources) + column, type);
-    return lookUp(m_row).value(column, type);
+    QVariant value = lookUp(m_row).value(column, type);
+    if (!value.isValid() && m_sources > 1)
+        requireRecords(m_row);
+    return value;
+}
+
+/// A look-up over several sources shows a deleted record as Null: a Null is only true when all are there.
+void KeyedRows::requireRecords(qint64 row)
+{
+    if (m_checked == row)
+        return;
+    m_existing.resize(size_t(m_sources));
+    for (int source = 0; source < m_sources; ++source) {
+        const qint64 id = identifiers(row)[source];
+        if (id == noRecord)
+            continue;
+        Statement& exists = m_existing[size_t(source)];
+        if (!exists)
+            exists = Statement(m_store, m_existence[source]);
+        exists.bind(1, id);
+        const bool found = exists.step();
+        exists.reset();
+        if (!found)
+            fail(3167, m_query->sources[size_t(source)].table);
+    }
+    m_checked = row;
 }
 
 qint64 KeyedRows::rowId(int source) const

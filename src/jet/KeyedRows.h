@@ -12,7 +12,8 @@ namespace jet {
 /// every row of an ordered statement (whose sort then carries identifiers alone), is looked up.
 class KeyedRows : public ListRows {
 public:
-    KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query);
+    /// `existence` holds for each source a statement that gives a row when the record ?1 exists.
+    KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query, QStringList existence);
 
     void open() override;
     QVariant value(int column) override;
@@ -30,11 +31,15 @@ protected:
 private:
     const qint64* identifiers(qint64 row) const { return m_ids.data() + row * m_sources; }
     Statement& lookUp(qint64 row);
+    void requireRecords(qint64 row);
 
     std::shared_ptr<const CompiledQuery> m_query;
     qint64 m_sources;
     Statement m_cursor;
     Statement m_lookUp;
+    QStringList m_existence;
+    std::vector<Statement> m_existing; ///< As m_existence, prepared at the first need.
+    qint64 m_checked = -1; ///< The row looked up whose records are known to exist.
     std::vector<qint64> m_ids;
     qint64 m_cursorRow = -1; ///< The row whose values the cursor holds.
     qint64 m_lookedUp = -1;  ///< The row whose values the look-up holds.

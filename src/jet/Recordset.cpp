@@ -32,9 +32,21 @@ Recordset::Private::Private(Database::Private& owner, RecordsetType kind,
     if (sources.empty())
         rows = std::make_unique<SpooledRows>(owner.store, query);
     else
-        rows = std::make_unique<KeyedRows>(owner.store, query);
+        rows = std::make_unique<KeyedRows>(owner.store, query, existence());
     rows->open();
     owner.holders.insert(this);
+}
+
+QStringList Recordset::Private::existence() const
+{
+    QStringList statements;
+    for (const RowSource& source : sources) {
+        const TableDef* table = database->schema.table(source.table);
+        if (!table)
+            fail(3078, source.table);
+        statements += u"SELECT 1 FROM %1 WHERE %2 = ?1"_s.arg(quoted(table->Name), quoted(table->rowIdColumn()));
+    }
+    return statements;
 }
 
 Recordset::Private::~Private()

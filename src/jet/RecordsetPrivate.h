@@ -17,6 +17,7 @@ struct Recordset::Private : CursorHolder {
     void finishReading() override;
     void invalidate() override;
 
+    QStringList existence() const; ///< Statements that tell whether the record ?1 of a source exists.
     RowSet& opened() const; ///< 3420 once closed.
     int column(QStringView name) const; ///< -1 when absent.
     int requireColumn(QStringView name) const; ///< 3265.

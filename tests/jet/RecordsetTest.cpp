@@ -222,6 +222,21 @@ TEST_F(RecordsetTest, ARowDeletedElsewhereSaysSo)
     }
 }
 
+TEST_F(RecordsetTest, ARowOfAJoinSaysWhichRecordIsGone)
+{
+    addNames({u"Carex"_s});
+    addPlant(u"P1"_s, 1);
+    addPlant(u"P2"_s, QVariant());
+    const auto rows = db->OpenRecordset(u"SELECT [Numéro], Nom, Auteurs FROM Individus LEFT JOIN Taxons ON "
+                                        u"Individus.[ID Taxons]=Taxons.[ID Taxons] ORDER BY [Numéro]"_s);
+    EXPECT_FALSE(rows->Value(u"Auteurs").isValid()) << "Null, and the record is there";
+    db->Execute(u"DELETE * FROM Taxons"_s);
+    EXPECT_EQ(rows->Value(u"Numéro"), u"P1"_s);
+    EXPECT_EQ(errorOf([&] { rows->Value(u"Nom"); }), 3167);
+    rows->MoveNext();
+    EXPECT_FALSE(rows->Value(u"Nom").isValid()) << "Null, because there never was a record";
+}
+
 TEST_F(RecordsetTest, DeletingInALoopEmptiesTheTable)
 {
     for (const auto type : {RecordsetType::Dynaset, RecordsetType::Table}) {
