@@ -53,7 +53,12 @@ function(_herbora_root target folder)
   if(NOT EXISTS "${HERBORA_ROOTS}/${top}/${top}")
     file(CREATE_LINK "${PROJECT_SOURCE_DIR}/src/${top}" "${HERBORA_ROOTS}/${top}/${top}" SYMBOLIC)
   endif()
-  target_include_directories(${target} PUBLIC "${HERBORA_ROOTS}/${top}")
+  get_target_property(kind ${target} TYPE)
+  if(kind STREQUAL "INTERFACE_LIBRARY")
+    target_include_directories(${target} INTERFACE "${HERBORA_ROOTS}/${top}")
+  else()
+    target_include_directories(${target} PUBLIC "${HERBORA_ROOTS}/${top}")
+  endif()
 endfunction()
 
 # While the house is being built, a source that is announced but not there yet is passed over.
