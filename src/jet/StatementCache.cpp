@@ -7,6 +7,8 @@ namespace jet {
 namespace {
 // A compiled statement costs some kilobytes; no loop of the program runs more different ones.
 constexpr size_t kept = 64;
+// Longer ones are lists of values written out: nobody sends them twice.
+constexpr qsizetype longestKept = 8192;
 } // namespace
 
 std::shared_ptr<CachedStatement> StatementCache::statement(const QString& text, const Schema& schema)
@@ -17,6 +19,8 @@ std::shared_ptr<CachedStatement> StatementCache::statement(const QString& text, 
     }
     auto made = std::make_shared<CachedStatement>(
         CachedStatement{text, compile(sql::parseStatement(text), schema), {}});
+    if (text.size() > longestKept)
+        return made;
     m_recent.push_front(made);
     m_byText.insert(text, m_recent.begin());
     if (m_recent.size() > kept) {
