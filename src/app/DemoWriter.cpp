@@ -20,10 +20,8 @@ RowAppender::~RowAppender() = default;
 qint32 RowAppender::add(Values values)
 {
     m_rows->AddNew();
-    for (const auto& [column, value] : values) {
-        if (value.isValid())
-            m_rows->SetValue(column, value);
-    }
+    for (const auto& [column, value] : values)
+        m_rows->SetValue(column, value); // Null too: rows of the same columns share one prepared insertion
     m_rows->SetValue(u"DateCreate", m_stamp);
     m_rows->SetValue(u"DateModify", m_stamp);
     m_rows->Update();

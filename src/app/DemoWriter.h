@@ -23,7 +23,7 @@ public:
     /// The AutoNumber of the row added next. A record that names itself or its children to come is
     /// written once that way.
     qint32 next() const { return m_next; }
-    /// Adds a row; Null values are left out. Gives its AutoNumber. Throws when it is not the one announced.
+    /// Adds a row and gives its AutoNumber. Throws when it is not the one announced.
     qint32 add(Values values);
     /// The key of a parent of this module, as children keep it ("7-Individus").
     QString key(qint32 id) const { return QString::number(id) + m_keyTail; }

@@ -55,6 +55,7 @@ struct EditingContext {
     std::function<qint32()> nextId;
     std::shared_ptr<ReferenceNames> names;
     std::shared_ptr<RecordSource> records;
+    int rowHeight = 24; ///< Standard row height of the application, in pixels.
 };
 
 /// The actions that a control reports.
@@ -108,7 +109,7 @@ public:
     bool IsNombre() const;
     bool IsUserText() const;
     bool IsUserListe() const;
-    int HeightMin() const; ///< In pixels, from `rowHeight`.
+    int HeightMin() const; ///< In pixels, from the context's row height.
     int MenuFlags() const;
     void setMenuFlags(int flags);
     QString IconName() const;
@@ -146,8 +147,6 @@ public:
     std::function<void(Cl_Edition&, const QString& action, const QVariantList&, bool& cancel)> onItemAction;
     /// Passes an item action to the add-in of the module (found by NomModule).
     std::function<void(const QString& module, const QString& action, const QVariantList&, bool& cancel)> toAddin;
-
-    static int rowHeight; ///< Standard row height of the application, in pixels.
 
 private:
     void normalizeValue();

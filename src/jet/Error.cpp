@@ -46,6 +46,7 @@ constexpr Sentence sentences[] = {
     {3058, u"Une clé primaire ou un index{ (%1)} ne peut pas contenir de valeur vide ; donnez une valeur{ au "
            u"champ « %2 »}."},
     {3059, u"L'opération{ « %1 »} a été annulée par l'utilisateur ; rien n'a été modifié."},
+    {3164, u"Le champ{ « %1 »} ne peut pas être modifié ; ôtez-le de l'instruction."},
     {3167, u"L'enregistrement a été supprimé{ de « %1 »} ; actualisez l'affichage."},
     {3190, u"La table{ « %1 »} aurait trop de champs ; supprimez des champs avant d'en ajouter."},
     {3191, u"Le champ{ « %1 »} est défini plusieurs fois{ dans la table « %2 »} ; donnez-lui un autre nom."},
@@ -168,6 +169,7 @@ constexpr Sentence sentences[] = {
            u"qui l'utilise et recommencez."},
     {3296, u"Cette jointure n'est pas possible{ : « %1 »} ; comparez dans la clause ON des champs des deux "
            u"tables."},
+    {3306, u"La sous-requête{ « %1 »} doit donner un seul champ ; ôtez les autres."},
     {3307, u"Les requêtes d'une union n'ont pas le même nombre de champs{ (%1 et %2)} ; donnez-leur les mêmes "
            u"champs."},
     {3346, u"Le nombre de valeurs et le nombre de champs{ (%1 et %2)} ne sont pas les mêmes ; complétez "

@@ -106,6 +106,20 @@ bool joinsPlainly(const Emitted& e)
     return isText(e.type) || isWhole(e.type) || e.type == DataType::Boolean;
 }
 
+// The store reads a flat chain as a tree as deep as it is long, and bounds the depth; the halves of a
+// long one are kept apart.
+Emitted chained(Binding binding, const Emitted& a, const Emitted& b)
+{
+    const int members = a.members + b.members;
+    const bool apart = members > 40;
+    const auto part = [&](const Emitted& e) {
+        return apart && e.members > 1 && e.binding == binding ? u'(' + e.sql + u')' : e.condition(binding);
+    };
+    Emitted chain = logical(part(a) + (binding == Binding::And ? u" AND "_s : u" OR "_s) + part(b), binding);
+    chain.members = apart ? 2 : members;
+    return chain;
+}
+
 } // namespace
 
 Emitted Expressions::compile(const sql::Expr& expression, Place place)
@@ -239,11 +253,9 @@ Emitted Expressions::logicalOperator(const sql::Binary& e, Place place)
         if (isText(side->type) || isBinary(side->type))
             fail(3464, written(**part));
     }
+    if (keepsPlace)
+        return chained(e.op == BinaryOp::And ? Binding::And : Binding::Or, a, b);
     switch (e.op) {
-    case BinaryOp::And:
-        return logical(a.condition(Binding::And) + u" AND "_s + b.condition(Binding::And), Binding::And);
-    case BinaryOp::Or:
-        return logical(a.condition(Binding::Or) + u" OR "_s + b.condition(Binding::Or), Binding::Or);
     case BinaryOp::Xor:
         return logical(u'(' + a.condition() + u") <> ("_s + b.condition() + u')');
     case BinaryOp::Equivalent:

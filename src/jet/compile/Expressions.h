@@ -15,6 +15,7 @@ struct Emitted {
     QString sql;
     DataType type = DataType::None;
     Binding binding = Binding::Atom;
+    int members = 1;        ///< Of a chain of AND or OR.
     bool logical = false;   ///< A condition of the store: 1, 0 or NULL, where the dialect has -1, 0, Null.
     bool neverNull = false;
     bool exact = false;     ///< Within the range of its type: stored or written, not computed.

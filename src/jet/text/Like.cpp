@@ -50,17 +50,19 @@ public:
     {
         QString storage;
         const QStringView view = composed(text, storage);
-        m_units.reserve(view.size() + 8);
+        m_units.resize(2 * view.size()); // What every character expanded would take.
+        Unit* to = m_units.data();
         for (qsizetype at = 0; at < view.size();) {
             const char32_t c = folded(nextCodePoint(view, at));
             const Pair pair = expanded(c);
-            m_units.append({c, pair.first, true});
+            *to++ = {c, pair.first, true};
             if (pair.second != 0)
-                m_units.append({0, pair.second, false});
+                *to++ = {0, pair.second, false};
         }
+        m_size = to - m_units.data();
     }
 
-    qsizetype size() const { return m_units.size(); }
+    qsizetype size() const { return m_size; }
     bool isStart(qsizetype at) const { return at == size() || m_units[at].start; }
     char32_t unit(qsizetype at) const { return m_units[at].unit; }
     char32_t character(qsizetype at) const { return m_units[at].character; }
@@ -78,7 +80,8 @@ private:
         char32_t unit;
         bool start;
     };
-    QVarLengthArray<Unit, 96> m_units;
+    QVarLengthArray<Unit, 128> m_units;
+    qsizetype m_size = 0;
 };
 
 class LikePattern::Parser {
@@ -208,8 +211,7 @@ bool LikePattern::matchesOne(const Element& element, const Subject& subject, qsi
 bool LikePattern::matches(QStringView text) const
 {
     const Subject subject(text);
-    const size_t none = m_elements.size();
-    size_t element = 0, afterAny = none;
+    size_t element = 0, afterAny = 0;
     qsizetype at = 0, retry = 0;
     bool anySeen = false;
     while (true) {
@@ -230,6 +232,11 @@ bool LikePattern::matches(QStringView text) const
         if (!anySeen || retry >= subject.size())
             return false;
         retry = subject.next(retry);
+        // Most patterns go on with a letter: look for its next place at once.
+        if (afterAny < m_elements.size() && m_elements[afterAny].kind == Element::Literal) {
+            while (retry < subject.size() && subject.unit(retry) != m_elements[afterAny].character)
+                retry = subject.next(retry);
+        }
         at = retry;
         element = afterAny;
     }
