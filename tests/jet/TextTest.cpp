@@ -288,6 +288,53 @@ TEST(Like, EveryMatchHasItsKeyInTheRangeOfThePrefix)
     EXPECT_LT(text::key(u"ab"), text::prefixKey(u"ac"));
 }
 
+namespace {
+
+// What the wildcards mean, told without any care for speed.
+bool naiveMatch(QStringView value, const QStringList& elements, qsizetype from = 0)
+{
+    if (from == elements.size())
+        return value.isEmpty();
+    const QString& element = elements[from];
+    if (element == u'*') {
+        for (qsizetype taken = 0; taken <= value.size(); ++taken) {
+            if (naiveMatch(value.sliced(taken), elements, from + 1))
+                return true;
+        }
+        return false;
+    }
+    if (value.isEmpty())
+        return false;
+    const QChar c = value[0];
+    const bool taken = element == u'?' || (element == u'#' && c.isDigit()) || (element == u"[ab]" && c != u'1')
+                       || (element == u"[!a]" && c != u'a') || element == c;
+    return taken && naiveMatch(value.sliced(1), elements, from + 1);
+}
+
+} // namespace
+
+TEST(Like, AgreesWithTheMeaningOfItsWildcards)
+{
+    std::mt19937 random(7);
+    const auto pick = [&random](const QStringList& from, int longest) {
+        QStringList result;
+        for (unsigned n = random() % unsigned(longest + 1); n > 0; --n)
+            result.append(from[qsizetype(random() % unsigned(from.size()))]);
+        return result;
+    };
+    int matches = 0;
+    for (int i = 0; i < 30000; ++i) {
+        const QString value = pick({u"a"_s, u"b"_s, u"1"_s}, 7).join(QString());
+        const QStringList elements =
+            pick({u"*"_s, u"*"_s, u"?"_s, u"#"_s, u"[ab]"_s, u"[!a]"_s, u"a"_s, u"b"_s}, 6);
+        const bool expected = naiveMatch(value, elements);
+        matches += expected ? 1 : 0;
+        ASSERT_EQ(like(value, elements.join(QString())), expected)
+            << value.toStdString() << " LIKE " << elements.join(QString()).toStdString();
+    }
+    EXPECT_GT(matches, 1000);
+}
+
 // With naive backtracking this would take longer than anyone waits.
 TEST(Like, StaysFastOnManyStars)
 {
