@@ -241,7 +241,18 @@ Emitted Expressions::node(const sql::Binary& e, const sql::Expr& whole, Place pl
         return logicalOperator(e, place);
     const Emitted a = compile(*e.left);
     const Emitted b = compile(*e.right);
-    return isComparison(e.op) ? compare(e.op, a, b, whole) : arithmetic(e.op, a, b, whole);
+    if (!isComparison(e.op))
+        return arithmetic(e.op, a, b, whole);
+    if (e.op >= BinaryOp::Less) {
+        noteRange(a, place);
+        noteRange(b, place);
+    }
+    return compare(e.op, a, b, whole);
+}
+
+void Expressions::noteRange(const Emitted& operand, Place place)
+{
+    rangesAsked = rangesAsked || (place == Place::Filter && operand.column && operand.column->indexed);
 }
 
 Emitted Expressions::logicalOperator(const sql::Binary& e, Place place)
@@ -346,7 +357,7 @@ Emitted Expressions::add(const Emitted& a, const Emitted& b, const sql::Expr&)
 
 // The part of the index in which every text that may match lies. The literal beginning of a
 // pattern that is put together (`"3/7/" & [c]`) serves as well.
-QString Expressions::likeRange(const Emitted& operand, const sql::Expr& pattern) const
+QString Expressions::likeRange(const Emitted& operand, const sql::Expr& pattern)
 {
     const sql::Expr* beginning = &pattern;
     while (const auto* join = std::get_if<sql::Binary>(&beginning->node)) {
@@ -362,6 +373,7 @@ QString Expressions::likeRange(const Emitted& operand, const sql::Expr& pattern)
     const QByteArray high = text::prefixKeyEnd(prefix);
     if (low.isEmpty() || high.isEmpty())
         return {};
+    rangesAsked = true;
     const QString key = keyOf(operand);
     return key + u" >= "_s + blobText(low) + u" AND "_s + key + u" < "_s + blobText(high) + u" AND "_s;
 }
@@ -392,9 +404,10 @@ bool inOrder(const Emitted& low, const Emitted& high)
 } // namespace
 
 // The bounds may come in either order.
-Emitted Expressions::node(const sql::Between& e, const sql::Expr& whole, Place)
+Emitted Expressions::node(const sql::Between& e, const sql::Expr& whole, Place place)
 {
     const Emitted x = compile(*e.operand);
+    noteRange(x, place);
     Emitted low = compile(*e.low);
     Emitted high = compile(*e.high);
     for (const Emitted* bound : {&low, &high})

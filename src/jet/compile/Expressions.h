@@ -64,6 +64,8 @@ public:
     /// While set, columns must be part of the keys or of an aggregate: see requireGrouped.
     Grouping* grouping = nullptr;
     bool aggregatesAllowed = false;
+    /// A range of an indexed column was asked for: rows may come in the order of that index.
+    bool rangesAsked = false;
     /// 3122 when a column was met that is neither. Empties the list.
     void requireGrouped();
 
@@ -93,7 +95,8 @@ private:
     Emitted arithmetic(sql::BinaryOp op, const Emitted& a, const Emitted& b, const sql::Expr& whole);
     Emitted add(const Emitted& a, const Emitted& b, const sql::Expr& whole);
     Emitted truthTest(sql::BinaryOp op, const Emitted& x, bool truth);
-    QString likeRange(const Emitted& operand, const sql::Expr& pattern) const;
+    QString likeRange(const Emitted& operand, const sql::Expr& pattern);
+    void noteRange(const Emitted& operand, Place place);
 
     // Functions.cpp
     Emitted aggregate(const sql::Call& call, const sql::Expr& whole);

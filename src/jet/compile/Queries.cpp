@@ -29,8 +29,9 @@ public:
         for (const OrderTerm& term : m_order)
             text.orderBy.append(term.text());
         // Without an order of its own a query follows its first table, which costs nothing there
-        // and keeps pages from shifting.
-        if (m_order.empty() && m_select.from.followsFirst() && m_sources.front() == 0)
+        // and keeps pages from shifting. Where an index gives a range, its order is left.
+        if (m_order.empty() && m_select.from.followsFirst() && m_sources.front() == 0
+            && !m_select.expressions.rangesAsked)
             text.orderBy.append(source(0).rowId);
         text.columns = identifierColumns();
         query.keySql = text.text();
@@ -78,7 +79,7 @@ private:
     {
         SelectText text;
         text.columns = outputColumns();
-        if (m_sources.size() == 1) {
+        if (m_sources.size() == 1 && !source(m_sources.front()).nullable) {
             text.from = source(m_sources.front()).sql;
             text.where = source(m_sources.front()).rowId + u" = ?1"_s;
             return text.text();
