@@ -11,6 +11,8 @@
 
 namespace jet {
 
+class DefinitionWriter;
+
 /// A record set that may hold an open cursor of the store. Before anything is written, each
 /// reads the rest of its row identifiers and lets the cursor go; at close each becomes invalid.
 class CursorHolder {
@@ -54,8 +56,14 @@ struct Database::Private {
     /// The compiled statement of a text.
     std::shared_ptr<CachedStatement> compiled(const QString& text);
 
-    // DatabaseDefinitions.cpp / Catalog.cpp
+    // Database.cpp
+    void admit(const QString& password); ///< 3031 unless it is the file's.
+    void renewTextOrder(); ///< Rebuilds the text indexes of a file made with another order.
+
+    // DatabaseDefinitions.cpp
     void loadSchema();
+    /// Changes definitions in the file and in memory, whole or not at all.
+    void change(const std::function<void(DefinitionWriter&)>& work);
 };
 
 } // namespace jet
