@@ -22,6 +22,7 @@ QString keyColumn(const jet::TableDef& table, const QString& name)
 DialectTables::DialectTables()
 {
     m_store.open(m_folder.filePath(u"dialecte.hbx"_s), true, false);
+    m_store.run(u"BEGIN"_s);
     table(u"Taxons"_s,
           {u"auto ID Taxons"_s, u"text Taxon"_s, u"long ID Genre"_s, u"long ID Espèce"_s, u"long ID Valid"_s,
            u"text Auteurs"_s, u"text Nom Complet"_s, u"memo Commentaire"_s, u"text DateModify"_s},
@@ -49,6 +50,7 @@ DialectTables::DialectTables()
     store(u"Ronde"_s, u"SELECT * FROM Ronde2"_s);
     store(u"Ronde2"_s, u"SELECT * FROM Ronde"_s);
     fill();
+    m_store.run(u"COMMIT"_s);
 }
 
 void DialectTables::table(const QString& name, const QStringList& fields, const QStringList& indexes)
