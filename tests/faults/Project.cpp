@@ -23,7 +23,7 @@ namespace {
 void addRows(jet::Database& database, const QString& table, QDataStream& out)
 {
     const auto rows = database.OpenRecordset(table, jet::RecordsetType::Table);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         for (int column = 0; column < rows->FieldCount(); ++column) {
             out << rows->Value(column);
         }
