@@ -19,7 +19,7 @@ const QString layout = u"CREATE TABLE MSysSettings(Name TEXT PRIMARY KEY, Value 
                         "CREATE TABLE MSysTables(Name TEXT PRIMARY KEY, DateCreate TEXT NOT NULL) STRICT, WITHOUT ROWID;"
                         "CREATE TABLE MSysColumns(TableName TEXT, Position INTEGER, Name TEXT NOT NULL,"
                         " Type INTEGER NOT NULL, Size INTEGER NOT NULL, Required INTEGER NOT NULL,"
-                        " AllowZeroLength INTEGER NOT NULL, AutoIncrement INTEGER NOT NULL,"
+                        " AllowZeroLength INTEGER NOT NULL, IsAutoNumber INTEGER NOT NULL,"
                         " DefaultValue TEXT NOT NULL, ValidationRule TEXT NOT NULL, ValidationText TEXT NOT NULL,"
                         " PRIMARY KEY(TableName, Position)) STRICT, WITHOUT ROWID;"
                         // Fields: [["name", descending], …]
@@ -140,7 +140,7 @@ std::vector<TableDef> Catalog::readTables()
         places.insert(names.text(0), tables.size());
         tables.push_back({.Name = names.text(0)});
     }
-    Statement columns(m_store, u"SELECT TableName, Name, Type, Size, Required, AllowZeroLength, AutoIncrement,"
+    Statement columns(m_store, u"SELECT TableName, Name, Type, Size, Required, AllowZeroLength, IsAutoNumber,"
                                " DefaultValue, ValidationRule, ValidationText"
                                " FROM MSysColumns ORDER BY TableName, Position"_s);
     while (columns.step()) {

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
+Q_LOGGING_CATEGORY(jetLog, "herbora.jet", QtInfoMsg)
 
 // --- What SQLite itself reports --------------------------------------------------------------
 
