@@ -2,6 +2,7 @@
 #include "EngineFixture.h"
 
 #include <QRandomGenerator>
+#include <QSet>
 
 using jet::RecordsetType;
 
@@ -278,13 +279,16 @@ TEST_F(RecordsetTest, WritingWhileReadingVisitsEachRowOnce)
         addTaxon(u"t%1"_s.arg(number), QVariant(), number);
     const auto rows = db->OpenRecordset(u"SELECT [ID Taxons], Rang FROM Taxons WHERE Rang>=0"_s);
     int visited = 0;
+    QSet<qint64> seen;
     for (; !rows->EOF_(); rows->MoveNext(), ++visited) {
-        const int rank = rows->Value(u"Rang").toInt();
-        EXPECT_EQ(rank, visited);
+        EXPECT_LT(rows->Value(u"Rang").toInt(), 1000);
+        seen.insert(rows->RowId());
+        // The change moves the record within the index that may give the rows.
         db->Execute(u"UPDATE Taxons SET Rang=Rang+1000 WHERE [ID Taxons]=%1"_s.arg(rows->RowId()));
         db->Execute(u"INSERT INTO Taxons (Nom, Rang) VALUES (\"n%1\", 5)"_s.arg(visited));
     }
     EXPECT_EQ(visited, 200);
+    EXPECT_EQ(seen.size(), 200);
     EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Taxons WHERE Rang>=1000"_s), 200);
 }
 
