@@ -17,11 +17,12 @@ TaskRunner::TaskRunner(QObject* parent) : QObject(parent) {}
 
 TaskRunner::~TaskRunner()
 {
+    // What tasks hold on to goes after the thread that may be using it.
+    if (m_thread) {
+        cancel();
+        m_thread->wait();
+    }
     m_waiting.clear();
-    if (!m_thread)
-        return;
-    cancel();
-    m_thread->wait();
 }
 
 bool TaskRunner::isCancellable() const

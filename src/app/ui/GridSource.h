@@ -1,0 +1,45 @@
+// What a grid shows: a table with its names looked up, as a statement.
+#pragma once
+
+#include <QList>
+#include <QString>
+
+namespace data {
+struct ModuleRecord;
+}
+namespace jet {
+class Schema;
+}
+
+namespace app {
+
+/// One column of a grid. `type` (data::FieldType) says how its values look.
+struct GridColumn {
+    QString header;
+    QString expression;
+    int type = 3;
+};
+
+/// The records of one table. Botanists, places and taxa show their names, not their numbers.
+struct GridSource {
+    QString key;   ///< Of the node of the module tree.
+    QString title;
+    QString icon;
+    QString from;  ///< The table with its joins.
+    QList<GridColumn> columns;
+    int sortedBy = -1; ///< Column by which it is sorted at first; -1 for none.
+    QString emptyText; ///< What is said when there is no record.
+
+    /// The statement, sorted by a column (-1 for none).
+    QString statement(int column, Qt::SortOrder order) const;
+};
+
+/// A module: its number, its individual, its fields with their captions, the standard columns. Fields whose column the
+/// table lacks are left out.
+GridSource moduleSource(const data::ModuleRecord& module, const QList<data::ModuleRecord>& modules,
+                        const jet::Schema& schema);
+GridSource taxaSource();
+GridSource localitiesSource();
+GridSource collectorsSource();
+
+} // namespace app

@@ -1,0 +1,240 @@
+#include "app/ui/GridTab.h"
+
+#include "app/ui/GridCopy.h"
+#include "app/ui/Icons.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QMimeData>
+#include <QPointer>
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int widestColumn = 320;
+/// Up to so many rows are copied at once, without a word.
+constexpr qint64 copiedAtOnce = 500;
+
+QString countText(qint64 count, const QString& one, const QString& several)
+{
+    return QLocale().toString(count) + u' ' + (count < 2 ? one : several);
+}
+
+} // namespace
+
+GridTab::GridTab(GridSource source, Session& session, platform::TaskRunner& runner, WindowState& state,
+                 QWidget* parent)
+    : QWidget(parent), m_state(state), m_runner(runner),
+      m_model(new GridModel(std::move(source), session, runner, this)), m_view(new QTableView(this)),
+      m_note(new QLabel(this)), m_layout(new QStackedLayout(this))
+{
+    setObjectName(u"grid-"_s + m_model->source().key);
+    arrangeView();
+    m_note->setObjectName(u"gridNote"_s);
+    m_note->setAlignment(Qt::AlignCenter);
+    m_note->setWordWrap(true);
+    m_note->setMargin(24);
+    m_note->setTextFormat(Qt::PlainText);
+    m_layout->addWidget(m_view);
+    m_layout->addWidget(m_note);
+    setFocusProxy(m_view);
+    connectModel();
+    m_model->load();
+}
+
+GridTab::~GridTab()
+{
+    rememberColumns();
+}
+
+void GridTab::arrangeView()
+{
+    m_view->setObjectName(u"grid"_s);
+    m_view->setAccessibleName(source().title);
+    m_view->setModel(m_model);
+    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setAlternatingRowColors(true);
+    m_view->setWordWrap(false);
+    m_view->setTabKeyNavigation(false); // Tab leads out of the grid
+    m_view->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    m_view->setShowGrid(true);
+    m_view->setFrameShape(QFrame::NoFrame);
+    m_view->setCornerButtonEnabled(false);
+
+    QHeaderView* rows = m_view->verticalHeader();
+    rows->setObjectName(u"gridRows"_s);
+    rows->setAccessibleName(u"Numéros des lignes"_s);
+    rows->hide();
+    rows->setSectionResizeMode(QHeaderView::Fixed);
+    rows->setDefaultSectionSize(m_view->fontMetrics().height() + 8);
+
+    QHeaderView* header = m_view->horizontalHeader();
+    header->setObjectName(u"gridHeader"_s);
+    header->setAccessibleName(u"Colonnes"_s);
+    header->setSectionsMovable(true);
+    header->setHighlightSections(false);
+    header->setSortIndicatorClearable(true);
+    header->setSortIndicator(m_model->sortColumn(), Qt::AscendingOrder);
+    header->setSectionsClickable(true);
+    header->setSortIndicatorShown(true);
+}
+
+void GridTab::connectModel()
+{
+    connect(m_view->horizontalHeader(), &QHeaderView::sortIndicatorChanged, m_model, &GridModel::sort);
+    connect(m_model, &GridModel::sorted, this, &GridTab::showSort);
+    connect(m_model, &GridModel::modelReset, this, &GridTab::firstRows);
+    connect(m_model, &GridModel::countChanged, this, &GridTab::showRowsOrNote);
+    connect(m_model, &GridModel::failed, this, [this](const QString& description) {
+        m_note->setText(description);
+        if (m_model->rowCount() == 0)
+            m_layout->setCurrentWidget(m_note);
+        Q_EMIT failed(description);
+    });
+    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &GridTab::statusChanged);
+}
+
+void GridTab::showSort(int column, Qt::SortOrder order)
+{
+    // The header shows the order in which the rows are, also after a sort that was stopped.
+    const QSignalBlocker quiet(m_view->horizontalHeader());
+    m_view->horizontalHeader()->setSortIndicator(column, order);
+    m_view->horizontalHeader()->viewport()->update();
+}
+
+void GridTab::firstRows()
+{
+    if (m_model->rowCount() == 0)
+        return;
+    if (!m_arranged && !restoreColumns())
+        fitColumns();
+    m_arranged = true;
+    if (!m_view->currentIndex().isValid())
+        m_view->selectionModel()->setCurrentIndex(m_model->index(0, 0), QItemSelectionModel::NoUpdate);
+    m_view->scrollToTop();
+}
+
+void GridTab::showRowsOrNote()
+{
+    const bool empty = m_model->isComplete() && m_model->rowCount() == 0;
+    if (empty)
+        m_note->setText(source().emptyText);
+    m_layout->setCurrentWidget(empty ? static_cast<QWidget*>(m_note) : m_view);
+    Q_EMIT statusChanged();
+}
+
+QString GridTab::statusText() const
+{
+    if (m_model->isLoading() && m_model->rowCount() == 0)
+        return u"Lecture…"_s;
+    QString text = countText(m_model->rowCount(), u"enregistrement"_s, u"enregistrements"_s);
+    if (!m_model->isComplete())
+        text += u"…"_s;
+    qint64 selected = 0;
+    const QItemSelection selection = m_view->selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection)
+        selected += range.height();
+    if (selected > 0)
+        text += u", "_s + countText(selected, u"sélectionné"_s, u"sélectionnés"_s);
+    return text;
+}
+
+void GridTab::selectAll()
+{
+    m_view->selectAll();
+}
+
+void GridTab::fitColumns()
+{
+    m_view->resizeColumnsToContents();
+    QHeaderView* header = m_view->horizontalHeader();
+    for (int column = 0; column < header->count(); ++column)
+        header->resizeSection(column, qMin(header->sectionSize(column) + 8, widestColumn));
+}
+
+QList<int> GridTab::shownColumns() const
+{
+    const QHeaderView* header = m_view->horizontalHeader();
+    QList<int> columns;
+    for (int place = 0; place < header->count(); ++place) {
+        if (!header->isSectionHidden(header->logicalIndex(place)))
+            columns << header->logicalIndex(place);
+    }
+    return columns;
+}
+
+void GridTab::copy(bool headers)
+{
+    GridExcerpt excerpt = excerptOf(m_view->selectionModel()->selection(), shownColumns());
+    excerpt.headers = headers;
+    const auto rows = m_model->rows();
+    if (excerpt.ranges.isEmpty() || !rows)
+        return;
+    auto text = std::make_shared<QString>();
+    const auto read = [rows, excerpt, text, source = source()](platform::Progression& progression) {
+        *text = tabSeparated(*rows, source, excerpt, progression);
+    };
+    const QPointer<GridTab> self(this);
+    const auto done = [self, text](std::exception_ptr failure) {
+        try {
+            if (failure)
+                std::rethrow_exception(failure);
+            QGuiApplication::clipboard()->setText(*text);
+        } catch (const jet::Error& error) {
+            if (self && error.number() != 3059)
+                Q_EMIT self->failed(error.description());
+        }
+    };
+    if (excerpt.rowCount() > copiedAtOnce || m_runner.isRunning())
+        return m_runner.start({read, done, [] {}, u"Copie : "_s + source().title});
+    platform::NoProgression silent;
+    try {
+        read(silent);
+        done(nullptr);
+    } catch (const jet::Error&) {
+        done(std::current_exception());
+    }
+}
+
+// --- Widths and order of the columns ---------------------------------------------------------------
+
+bool GridTab::restoreColumns()
+{
+    const QStringList kept = m_state.value(u"grilles/"_s + source().key).toStringList();
+    QHeaderView* header = m_view->horizontalHeader();
+    QList<std::pair<int, int>> widths;
+    for (const QString& entry : kept) {
+        for (int column = 0; column < header->count(); ++column) {
+            if (source().columns.at(column).header == entry.section(u'=', 0, -2))
+                widths << std::pair(column, entry.section(u'=', -1).toInt());
+        }
+    }
+    // A field that came since then has no width: everything is fitted anew.
+    if (widths.size() != header->count())
+        return false;
+    for (int place = 0; place < widths.size(); ++place) {
+        header->moveSection(header->visualIndex(widths[place].first), place);
+        header->resizeSection(widths[place].first, qMax(24, widths[place].second));
+    }
+    return true;
+}
+
+void GridTab::rememberColumns()
+{
+    if (!m_arranged)
+        return;
+    QStringList kept;
+    const QList<int> columns = shownColumns();
+    for (const int column : columns)
+        kept << source().columns.at(column).header + u'='
+                    + QString::number(m_view->horizontalHeader()->sectionSize(column));
+    m_state.setValue(u"grilles/"_s + source().key, kept);
+}
+
+} // namespace app

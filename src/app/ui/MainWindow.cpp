@@ -1,0 +1,246 @@
+#include "app/ui/MainWindow.h"
+
+#include "app/Session.h"
+#include "app/ui/AboutDialog.h"
+#include "app/ui/Icons.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QTimer>
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString geometryKey = u"fenetre/geometrie"_s;
+const QString partsKey = u"fenetre/etat"_s;
+/// Raised when docks or tool bars change, so that an older state is not taken.
+constexpr int partsVersion = 1;
+/// Work that ends sooner is not worth a bar.
+constexpr int patienceMilliseconds = 400;
+constexpr int messageMilliseconds = 6000;
+
+/// The first project file among what is dragged; empty for none.
+QString projectIn(const QMimeData* data)
+{
+    const QList<QUrl> urls = data->urls();
+    for (const QUrl& url : urls) {
+        if (url.isLocalFile() && url.toLocalFile().endsWith(u".hbx"_s, Qt::CaseInsensitive))
+            return url.toLocalFile();
+    }
+    return {};
+}
+
+} // namespace
+
+MainWindow::MainWindow(Session& session, platform::TaskRunner& runner, platform::Dialogues& dialogues,
+                       WindowState& state)
+    : m_session(session), m_runner(runner), m_dialogues(dialogues), m_state(state),
+      m_recent(new RecentFiles(state, this)),
+      m_commands(new ProjectCommands(session, runner, dialogues, *m_recent, this)),
+      m_actions(new MainActions(this)), m_dock(new ModuleDock(this)), m_start(new StartPage(*m_recent)),
+      m_documents(new Documents(session, runner, state, m_start, this)),
+      m_progression(new platform::ProgressionBar(this)), m_count(new QLabel(this))
+{
+    setObjectName(u"mainWindow"_s);
+    setWindowIcon(programIcon());
+    setAcceptDrops(true);
+    setUnifiedTitleAndToolBarOnMac(true);
+    addDockWidget(Qt::LeftDockWidgetArea, m_dock);
+    setCentralWidget(m_documents);
+    m_count->setObjectName(u"recordCount"_s);
+    statusBar()->setObjectName(u"statusBar"_s);
+    statusBar()->addPermanentWidget(m_progression);
+    statusBar()->addPermanentWidget(m_count);
+    m_recent->fillWhenShown(m_actions->install(*this, *m_dock));
+    connectActions();
+    connectParts();
+    connectProgression();
+    showProject();
+    restoreState();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::connectActions()
+{
+    const auto on = [this](QAction* action, auto slot) { connect(action, &QAction::triggered, this, slot); };
+    on(m_actions->newProject, [this] { m_commands->create(); });
+    on(m_actions->open, [this] { m_commands->open(); });
+    on(m_actions->optimise, [this] { m_commands->optimise(); });
+    on(m_actions->closeTab, [this] { m_documents->closeCurrent(); });
+    on(m_actions->quit, [this] { close(); });
+    on(m_actions->expandAll, [this] { m_dock->expandAll(); });
+    on(m_actions->collapseAll, [this] { m_dock->collapseAll(); });
+    on(m_actions->about, [this] { (new AboutDialog(m_session.surroundings().version, this))->open(); });
+    on(m_actions->fullScreen,
+       [this] { setWindowState(windowState().setFlag(Qt::WindowFullScreen, m_actions->fullScreen->isChecked())); });
+    const auto onGrid = [this, on](QAction* action, auto command) {
+        on(action, [this, command] {
+            if (GridTab* grid = m_documents->current())
+                command(*grid);
+        });
+    };
+    onGrid(m_actions->copy, [](GridTab& grid) { grid.copy(false); });
+    onGrid(m_actions->copyWithHeaders, [](GridTab& grid) { grid.copy(true); });
+    onGrid(m_actions->selectAll, [](GridTab& grid) { grid.selectAll(); });
+    onGrid(m_actions->refresh, [](GridTab& grid) { grid.model().load(); });
+    onGrid(m_actions->fitColumns, [](GridTab& grid) { grid.fitColumns(); });
+}
+
+void MainWindow::connectParts()
+{
+    connect(m_recent, &RecentFiles::chosen, m_commands, &ProjectCommands::openPath);
+    connect(m_start, &StartPage::newWanted, m_commands, &ProjectCommands::create);
+    connect(m_start, &StartPage::openWanted, m_commands, &ProjectCommands::open);
+    connect(m_start, &StartPage::recentWanted, m_commands, &ProjectCommands::openPath);
+    connect(m_start, &StartPage::recordsWanted, this, &MainWindow::openRecords);
+    connect(m_commands, &ProjectCommands::projectChanged, this, &MainWindow::showProject);
+    connect(m_commands, &ProjectCommands::busyChanged, this, &MainWindow::showBusy);
+    connect(&m_dock->commands(), &TreeCommands::openRecords, this, &MainWindow::openRecords);
+    connect(&m_dock->commands(), &TreeCommands::emptySelection, this, &MainWindow::emptySelection);
+    connect(m_documents, &Documents::currentChanged, this, &MainWindow::showCurrentTab);
+    connect(m_documents, &Documents::failed, this, [this](const QString& title, const QString& description) {
+        m_dialogues.tell(description, title, platform::BoxIcon::Stop);
+    });
+}
+
+void MainWindow::connectProgression()
+{
+    using platform::TaskRunner;
+    connect(&m_runner, &TaskRunner::step, m_progression, &platform::ProgressionBar::step);
+    connect(&m_runner, &TaskRunner::finished, m_progression, &platform::ProgressionBar::finish);
+    connect(m_progression, &platform::ProgressionBar::cancelRequested, &m_runner, &TaskRunner::cancel);
+    auto* patience = new QTimer(this);
+    patience->setSingleShot(true);
+    patience->setInterval(patienceMilliseconds);
+    connect(&m_runner, &TaskRunner::started, this, [this, patience] {
+        m_progression->setCancellable(m_runner.isCancellable());
+        patience->start();
+    });
+    connect(&m_runner, &TaskRunner::finished, patience, &QTimer::stop);
+    connect(patience, &QTimer::timeout, this, [this] {
+        if (m_runner.isRunning() && m_progression->isHidden() && !m_runner.text().isEmpty())
+            m_progression->step(m_runner.text(), -1);
+    });
+}
+
+// --- What is shown ---------------------------------------------------------------------------------
+
+void MainWindow::showProject()
+{
+    const QString path = m_session.path();
+    if (path != m_shownPath)
+        m_documents->closeAll();
+    m_shownPath = path;
+    if (path.isEmpty()) {
+        m_dock->clear();
+        m_start->showWelcome();
+        setWindowTitle(u"Herbora"_s);
+    } else {
+        m_dock->load(m_session);
+        m_start->showProject(m_dock->model(), path);
+        setWindowTitle(m_session.projectName() + u" - "_s + u"Herbora"_s);
+        m_documents->reloadStale();
+        statusBar()->showMessage(m_session.readOnly() ? u"Projet ouvert en lecture seule"_s : u"Projet ouvert"_s,
+                                 messageMilliseconds);
+    }
+    m_actions->modif->setVisible(m_actions->modif->isVisible() || !path.isEmpty());
+    showBusy(m_commands->isBusy());
+}
+
+void MainWindow::showBusy(bool busy)
+{
+    const bool project = m_session.isOpen() && !busy;
+    m_actions->newProject->setEnabled(!busy);
+    m_actions->open->setEnabled(!busy);
+    m_actions->optimise->setEnabled(project && !m_session.readOnly());
+    m_actions->expandAll->setEnabled(project);
+    m_actions->collapseAll->setEnabled(project);
+    m_dock->setEnabled(!busy);
+    m_documents->setEnabled(!busy);
+    findChild<QAction*>(u"recents"_s)->setEnabled(!busy);
+    findChild<QAction*>(u"modules"_s)->setEnabled(project);
+    showCurrentTab();
+    if (!busy && m_closeWhenIdle)
+        close();
+}
+
+void MainWindow::showCurrentTab()
+{
+    const GridTab* grid = m_documents->current();
+    const bool usable = grid && !m_commands->isBusy();
+    for (QAction* action : {m_actions->closeTab, m_actions->copy, m_actions->copyWithHeaders, m_actions->selectAll,
+                            m_actions->refresh, m_actions->fitColumns})
+        action->setEnabled(usable);
+    m_count->setText(grid ? grid->statusText() : QString());
+}
+
+// --- What is done ----------------------------------------------------------------------------------
+
+void MainWindow::openRecords(const QString& key)
+{
+    const QModelIndex index = m_dock->model().indexOf(key);
+    if (index.isValid() && !m_commands->isBusy())
+        m_documents->openRecords(key, m_dock->model().kind(index));
+}
+
+void MainWindow::emptySelection(const QString& module)
+{
+    if (!m_dialogues.confirm(u"Vider la sélection flottante de son contenu ?"_s, u"Herbora"_s))
+        return;
+    m_session.selection(module).clear();
+    m_dock->model().setText(QString(module + u"-self"_s), module + u" < 0 >"_s);
+}
+
+// --- Events ----------------------------------------------------------------------------------------
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_commands->isBusy()) {
+        // The project must not be left in the middle; the window closes when that is done.
+        m_closeWhenIdle = true;
+        event->ignore();
+        return;
+    }
+    saveState();
+    m_documents->closeAll();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!m_commands->isBusy() && !projectIn(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    const QString path = projectIn(event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The program that is dragged from waits for the end of the drop: the opening begins after it.
+    QTimer::singleShot(0, this, [this, path] { m_commands->openPath(path); });
+}
+
+void MainWindow::restoreState()
+{
+    resize(1180, 740);
+    resizeDocks({m_dock}, {260}, Qt::Horizontal);
+    restoreGeometry(m_state.value(geometryKey).toByteArray());
+    QMainWindow::restoreState(m_state.value(partsKey).toByteArray(), partsVersion);
+    m_actions->fullScreen->setChecked(isFullScreen());
+}
+
+void MainWindow::saveState()
+{
+    m_state.setValue(geometryKey, saveGeometry());
+    m_state.setValue(partsKey, QMainWindow::saveState(partsVersion));
+}
+
+} // namespace app

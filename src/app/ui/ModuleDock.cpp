@@ -1,0 +1,80 @@
+#include "app/ui/ModuleDock.h"
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+
+ModuleDock::ModuleDock(QWidget* parent)
+    : QDockWidget(u"Arbre des modules"_s, parent), m_model(new TreeModel(this)), m_commands(new TreeCommands(this)),
+      m_view(new QTreeView(this))
+{
+    setObjectName(u"dockModules"_s);
+    setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
+    m_view->setObjectName(u"moduleTree"_s);
+    m_view->setAccessibleName(u"Arbre des modules"_s);
+    m_view->setModel(m_model);
+    m_view->setHeaderHidden(true);
+    m_view->setUniformRowHeights(true);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setExpandsOnDoubleClick(false); // a module opens its records instead
+    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_view->setFrameShape(QFrame::NoFrame);
+    const int side = m_view->fontMetrics().height();
+    m_view->setIconSize({qMax(16, side), qMax(16, side)});
+    setWidget(m_view);
+
+    connect(m_view, &QTreeView::customContextMenuRequested, this, &ModuleDock::showMenu);
+    connect(m_view, &QTreeView::activated, this, &ModuleDock::activate);
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &ModuleDock::chooseCurrent);
+    connect(m_model, &TreeModel::dataChanged, this, &ModuleDock::chooseCurrent);
+    connect(m_model, &TreeModel::modelReset, this, &ModuleDock::chooseCurrent);
+}
+
+void ModuleDock::load(const Session& session)
+{
+    m_model->load(session);
+    m_view->expandAll();
+    m_view->setCurrentIndex(m_model->index(0, 0));
+}
+
+void ModuleDock::clear()
+{
+    m_model->clear();
+}
+
+void ModuleDock::collapseAll()
+{
+    m_view->collapseAll();
+    m_view->expand(m_model->index(0, 0));
+}
+
+void ModuleDock::chooseCurrent()
+{
+    const QModelIndex index = m_view->currentIndex();
+    m_commands->choose(index.isValid() ? m_model->node(index) : nullptr,
+                       index.isValid() ? m_model->kind(index) : NodeKind::None);
+}
+
+void ModuleDock::activate(const QModelIndex& index)
+{
+    chooseCurrent();
+    if (!m_commands->runDefault())
+        m_view->setExpanded(index, !m_view->isExpanded(index));
+}
+
+void ModuleDock::showMenu(const QPoint& position)
+{
+    if (!m_view->indexAt(position).isValid())
+        return;
+    chooseCurrent();
+    const QList<QAction*> actions = m_commands->fitting();
+    if (actions.isEmpty())
+        return;
+    auto* menu = new QMenu(m_view);
+    menu->setObjectName(u"menuContext"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(actions);
+    menu->popup(m_view->viewport()->mapToGlobal(position));
+}
+
+} // namespace app

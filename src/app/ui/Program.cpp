@@ -1,0 +1,87 @@
+#include "app/ui/Program.h"
+
+#include "app/ui/Icons.h"
+
+#include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QLoggingCategory>
+#include <QTranslator>
+
+namespace app {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Q_LOGGING_CATEGORY(programLog, "herbora.program")
+
+const QString declinedKey = u"association/refusee"_s;
+
+/// Knows whether the user agreed to the association.
+class ObservedAssociation : public platform::FileAssociation {
+public:
+    explicit ObservedAssociation(platform::FileAssociation& real) : m_real(real) {}
+    QString openCommand() const override { return m_command = m_real.openCommand(); }
+    bool write(const QString& executable) override
+    {
+        m_command = executable;
+        return m_real.write(executable);
+    }
+    QString command() const { return m_command; }
+
+private:
+    platform::FileAssociation& m_real;
+    mutable QString m_command;
+};
+
+} // namespace
+
+void prepareApplication()
+{
+    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
+    QApplication::setApplicationName(u"herbora"_s);
+    QApplication::setApplicationVersion(u"" HERBORA_VERSION ""_s);
+    QApplication::setDesktopFileName(u"org.herbora.Herbora"_s);
+    // Without it the buttons of Qt's own dialogs are in English.
+    auto* texts = new QTranslator(qApp);
+    if (texts->load(u"qtbase_fr"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(texts);
+    else
+        qCWarning(programLog) << "no French texts for Qt in" << QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    followPalette();
+    QApplication::setWindowIcon(programIcon());
+}
+
+Program::Program(const ProgramOptions& options, platform::Dialogues& dialogues)
+    : m_dialogues(dialogues), m_settings(options.settingsFile),
+      m_session({m_dialogues, m_clock, m_settings, options.applicationFolder, u"" HERBORA_VERSION ""_s}),
+      m_state(options.stateFile), m_window(m_session, m_runner, m_dialogues, m_state)
+{
+}
+
+void Program::checkAssociation(platform::FileAssociation& association)
+{
+    if (m_state.value(declinedKey).toBool())
+        return;
+    ObservedAssociation observed(association);
+    m_session.checkAssociation(observed);
+    const QString executable = m_session.surroundings().applicationFolder + u"/herbora"_s;
+    if (observed.command() != executable)
+        m_state.setValue(declinedKey, true);
+}
+
+void Program::openStartFile(const QString& file)
+{
+    const QString path = m_session.startFile(file);
+    if (!path.isEmpty())
+        m_window.commands().openPath(path);
+}
+
+void Program::startUp(platform::FileAssociation& association, const QString& file)
+{
+    checkAssociation(association);
+    openStartFile(file);
+}
+
+} // namespace app

@@ -1,0 +1,48 @@
+// Opening, creating and optimising a project from the main window.
+#pragma once
+
+#include "app/ui/RecentFiles.h"
+#include "platform/ui/TaskRunner.h"
+
+#include <QObject>
+
+namespace platform {
+class Dialogues;
+}
+
+namespace app {
+
+class Session;
+
+/// The session works beside the windows; while it does (busy) nobody else may use it.
+class ProjectCommands : public QObject {
+    Q_OBJECT
+public:
+    ProjectCommands(Session& session, platform::TaskRunner& runner, platform::Dialogues& dialogues,
+                    RecentFiles& recent, QObject* parent = nullptr);
+
+    bool isBusy() const { return m_busy; }
+    void open();   ///< Asks for the file.
+    void create(); ///< Asks for the name.
+    void openPath(const QString& path);
+    void optimise();
+
+    /// "Fichiers Herbora", as file questions want it.
+    static QString fileFilter();
+
+Q_SIGNALS:
+    void busyChanged(bool busy);
+    /// A project was opened, or the open one closed, or opened again.
+    void projectChanged();
+
+private:
+    void run(const QString& text, std::function<bool(platform::Progression&)> work);
+
+    Session& m_session;
+    platform::TaskRunner& m_runner;
+    platform::Dialogues& m_dialogues;
+    RecentFiles& m_recent;
+    bool m_busy = false;
+};
+
+} // namespace app
