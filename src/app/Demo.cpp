@@ -110,23 +110,27 @@ bool buildDemo(Session& session, const QString& path, platform::Progression& pro
     const QString unfinished = temporaryPath(target);
     const QString lastProject = around.settings.read(u"Général.DefaultBase"_s);
     ImageFolder images(demoImageFolder(target));
-    QString failure;
-    try {
-        if (QFileInfo::exists(target))
-            jet::fail(3204, target);
-        const DemoData data = DemoData::read();
-        if (!session.create(unfinished, progression)) // has said why
-            return false;
-        fillProject(session, data, demoImageFolder(target), progression, options);
-        session.close();
-        images.fill(data);
-        moveIntoPlace(unfinished, target);
-    } catch (const jet::Error& error) {
+    const auto undo = [&] {
         session.close();
         QFile::remove(unfinished);
         images.remove();
         around.settings.write(u"Général.DefaultBase"_s, lastProject);
         progression.finish();
+    };
+    try {
+        if (QFileInfo::exists(target))
+            jet::fail(3204, target);
+        const DemoData data = DemoData::read();
+        if (!session.create(unfinished, progression)) { // has said why
+            undo();
+            return false;
+        }
+        fillProject(session, data, demoImageFolder(target), progression, options);
+        session.close();
+        images.fill(data);
+        moveIntoPlace(unfinished, target);
+    } catch (const jet::Error& error) {
+        undo();
         if (error.number() != cancelledError)
             around.dialogues.tell(u"Impossible de créer le projet de démonstration :\n"_s + error.description(),
                                   u"Herbora"_s, platform::BoxIcon::Stop);
