@@ -104,7 +104,6 @@ QJsonObject runJson(jet::Database& database, const QString& statement)
     if (!isQuery(statement))
         return {{u"modifies"_s, database.Execute(statement)}};
     const auto rows = database.OpenRecordset(statement);
-    rows->MoveFirst();
     return jsonRows(*rows);
 }
 
@@ -115,7 +114,6 @@ void runPlain(jet::Database& database, const QString& statement, bool csv)
         return;
     }
     const auto rows = database.OpenRecordset(statement);
-    rows->MoveFirst();
     printRows(*rows, csv);
 }
 

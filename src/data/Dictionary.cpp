@@ -104,7 +104,7 @@ void Dictionary::load()
     const auto rows = m_database.OpenRecordset(
         u"SELECT PGTableDefs.* From PGTableDefs WHERE PGTableDefs.Type = "_s + texte(typeModule)
         + u" ORDER BY PGTableDefs.Index, PGTableDefs.NomObjet"_s);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         ModuleRecord module;
         module.name = rows->Value(u"NomModule").toString();
         module.provider = rows->Value(u"ModuleConnexion").toString();
@@ -135,7 +135,7 @@ QList<FieldRecord> Dictionary::loadFields(const QString& module) const
         u"SELECT PGTableDefs.* From PGTableDefs WHERE PGTableDefs.Type ="_s + texte(typeField)
         + u" AND PGTableDefs.NomModule ="_s + texte(module)
         + u" ORDER BY PGTableDefs.Index, PGTableDefs.NomObjet"_s);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         FieldRecord field;
         field.column = rows->Value(u"Table").toString();
         field.caption = rows->Value(u"NomObjet").toString();

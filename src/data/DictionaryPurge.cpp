@@ -52,7 +52,7 @@ QList<Row> readRows(jet::Database& database, const QString& statement)
 {
     QList<Row> result;
     const auto rows = database.OpenRecordset(statement);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext())
+    for (; !rows->EOF_(); rows->MoveNext())
         result.append({rows->Value(u"NomModule").toString(), rows->Value(u"Table").toString(),
                        rows->Value(u"ModuleConnexion").toString()});
     return result;
@@ -69,7 +69,7 @@ void Dictionary::markUnconnected(const QStringList& connected)
     if (!names.isEmpty())
         statement += u" WHERE PGTableDefs.NomModule NOT IN ("_s + names.join(u',') + u')';
     const auto rows = m_database.OpenRecordset(statement);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         if (!(rows->Value(u"Flags").toInt() & Connecté) || rows->Value(u"Index").toInt() == -1)
             continue;
         rows->Edit();

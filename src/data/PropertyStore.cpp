@@ -64,7 +64,7 @@ QList<PropertyObject> PropertyStore::list(const QString& kinds, const QString& m
     QList<PropertyObject> objects;
     const auto whole = openStore(m_database, u"PrimaryKey"_s);
     const auto rows = m_database.OpenRecordset(statement);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         PropertyObject object;
         object.id = rows->Value(u"_ID").toInt();
         object.name = rows->Value(u"Nom").toString();
@@ -138,7 +138,7 @@ void PropertyStore::cleanKind(const QString& kind,
     const auto rows = m_database.OpenRecordset(filled(u"SELECT * FROM Propriétés "
                                                       "WHERE Propriétés.[Objet] = rtype"_s,
                                                       {{u"rtype"_s, texte(kind)}}));
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         const QString before = rows->Value(u"Value").toString();
         const QString after = cleaned(before);
         if (after == before)

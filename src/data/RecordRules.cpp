@@ -37,7 +37,7 @@ QString quotedKeys(const QList<qint32>& ids, const QString& module)
 void appendIds(jet::Database& database, const QString& statement, QList<qint32>& ids)
 {
     const auto rows = database.OpenRecordset(statement);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext())
+    for (; !rows->EOF_(); rows->MoveNext())
         ids << rows->Value(0).toInt();
 }
 
@@ -83,7 +83,6 @@ bool RecordRules::isLocked(const QString& module, qint32 id) const
         return false;
     const auto rows = m_database.OpenRecordset(u"SELECT [Locked] FROM "_s + nom(module) + u" WHERE "_s
                                                + nom(u"ID "_s + module) + u"="_s + QString::number(id));
-    rows->MoveFirst();
     return !rows->EOF_() && rows->Value(0).toBool();
 }
 

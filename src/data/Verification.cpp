@@ -13,7 +13,6 @@ namespace {
 qint64 countOf(jet::Database& database, const QString& statement)
 {
     const auto rows = database.OpenRecordset(statement);
-    rows->MoveFirst();
     return rows->EOF_() ? 0 : rows->Value(0).toLongLong();
 }
 

@@ -32,7 +32,7 @@ Path split(const QString& path)
 QStringList linesOf(const QString& file)
 {
     QFile in(file);
-    if (!in.open(QIODevice::ReadOnly))
+    if (file.isEmpty() || !in.open(QIODevice::ReadOnly))
         return {};
     QStringList lines = QString::fromUtf8(in.readAll()).split(u'\n');
     for (QString& line : lines) {

@@ -81,6 +81,7 @@ TEST(Dictionary, ReadsOddRows)
     // A rule without a text; the bit "one per individual" on the root, which is ignored.
     project.db().Execute(u"UPDATE PGTableDefs SET Validation=\">=0\" WHERE [Table]=\"Altitude\""_s);
     project.db().Execute(u"UPDATE PGTableDefs SET Flags=32770 WHERE Type=\"Addin\" AND NomModule=\"Individus\""_s);
+    ASSERT_TRUE(project.open());
     // Two modules at one position come by their display names.
     for (const QString& name : {u"Zeste"_s, u"Arbre"_s}) {
         data::ModuleRecord module;

@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 QVariant TestProject::single(const QString& statement)
 {
     const auto rows = db().OpenRecordset(statement);
-    rows->MoveFirst();
     return rows->EOF_() ? QVariant() : rows->Value(0);
 }
 
@@ -17,7 +16,7 @@ QStringList TestProject::rows(const QString& statement)
 {
     QStringList result;
     const auto rows = db().OpenRecordset(statement);
-    for (rows->MoveFirst(); !rows->EOF_(); rows->MoveNext()) {
+    for (; !rows->EOF_(); rows->MoveNext()) {
         QStringList cells;
         for (int i = 0; i < rows->FieldCount(); ++i) {
             const QVariant value = rows->Value(i);
