@@ -80,6 +80,7 @@ QString insertedRows(Context& context, const sql::Insert& insert, const std::vec
 
 struct Assigned {
     const Field* field;
+    const sql::Expr* expression;
     QString value;
 };
 
@@ -90,33 +91,37 @@ public:
     {
         m_from.build(*update.from);
         m_from.reduce(update.where.get());
-        m_fromText = m_from.text(m_expressions);
-        m_where = update.where ? m_expressions.condition(*update.where) : QString();
         for (const sql::Assignment& assignment : update.assignments)
-            assign(assignment);
+            aim(assignment);
         context.failIfMissing();
         requireUpdatable();
     }
 
     CompiledAction action()
     {
-        const TableDef& table = *target().table;
+        m_fromText = m_from.text(m_expressions);
+        const bool single = m_scope.sources().size() == 1;
+        const bool once = single || m_from.determines(bit(m_target), m_update.where.get(), m_expressions);
+        const bool lookedUp = once && !single && lookUpOthers();
+        m_where = m_update.where ? m_expressions.condition(*m_update.where) : QString();
+        for (Assigned& a : m_assigned)
+            a.value = assigned(m_expressions.compile(*a.expression), a.field->Type);
+        m_context.failIfMissing();
         CompiledAction action;
-        action.table = table.Name;
-        if (m_scope.sources().size() == 1) {
-            action.steps = {updateText({}, m_where)};
-            return action;
-        }
-        if (!m_from.determines(bit(m_target), m_update.where.get(), m_expressions))
+        action.table = target().table->Name;
+        if (!once)
             return collected(action);
-        action.steps = {m_from.onlyInnerJoins() ? direct() : fromRows()};
+        action.steps = {single || lookedUp          ? updateText({}, m_where)
+                        : m_from.onlyInnerJoins() ? direct()
+                                                  : fromRows()};
         return action;
     }
 
 private:
     const Source& target() const { return m_scope.sources()[m_target]; }
 
-    void assign(const sql::Assignment& assignment)
+    // Finds the column that is set.
+    void aim(const sql::Assignment& assignment)
     {
         const Found found = m_scope.find(assignment.target);
         if (found.ambiguous)
@@ -137,7 +142,22 @@ private:
             if (other.field == field)
                 fail(3063, field->Name);
         }
-        m_assigned.push_back({field, assigned(m_expressions.compile(*assignment.value), field->Type)});
+        m_assigned.push_back({field, assignment.value.get(), {}});
+    }
+
+    // A record looked up while the table changes must not show what the statement has changed.
+    bool lookUpOthers()
+    {
+        std::vector<const sql::Expr*> named;
+        if (m_update.where)
+            named.push_back(m_update.where.get());
+        for (const Assigned& a : m_assigned)
+            named.push_back(a.expression);
+        return m_from.lookUpOthers(m_target, named, m_expressions, [this](const Source& other, const SourceColumn& c) {
+            return other.table != target().table
+                   || std::none_of(m_assigned.begin(), m_assigned.end(),
+                                   [&](const Assigned& a) { return a.field == c.field; });
+        });
     }
 
     // All sources must be open to change, and the target must have a record in every row.

@@ -34,6 +34,13 @@ public:
     /// The equalities of ON and WHERE.
     std::vector<Equality> equalities(const sql::Expr* where, Expressions& expressions) const;
 
+    /// Where the clause is a chain of left joins behind `target`, each giving at most one row, the columns of
+    /// the others become sub-selects, unless one is named more than twice in `named` and the joins.
+    /// False, and nothing done, where that cannot be. `fixed` tells which columns keep their
+    /// values while the target is changed.
+    bool lookUpOthers(int target, const std::vector<const sql::Expr*>& named, Expressions& expressions,
+                      const std::function<bool(const Source&, const SourceColumn&)>& fixed);
+
     /// One table, or a chain of left joins behind one: rows come in the order of that table.
     bool followsFirst() const;
     bool onlyInnerJoins() const;
@@ -68,6 +75,9 @@ private:
     void collect(const sql::Expr& condition, SourceSet determinable, Expressions& expressions,
                  std::vector<Equality>& out) const;
     bool inlined(int node) const;
+    std::vector<int> leftChain(int target) const;
+    bool namedSeldom(int source, const std::vector<const sql::Expr*>& named,
+                     const std::function<bool(const Source&, const SourceColumn&)>& fixed) const;
 
     Context& m_context;
     Scope& m_scope;

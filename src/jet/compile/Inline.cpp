@@ -123,4 +123,85 @@ bool FromClause::inlineGrouped(const sql::Join& item, int left, int right, const
     return true;
 }
 
+// --- Looked up in an UPDATE ------------------------------------------------------------------
+
+namespace {
+
+void forEachColumn(const sql::Expr& e, const std::function<void(const sql::ColumnRef&)>& visit)
+{
+    if (const auto* name = std::get_if<sql::ColumnRef>(&e.node))
+        visit(*name);
+    forEachPart(e, [&](const sql::Expr& part) { forEachColumn(part, visit); });
+}
+
+} // namespace
+
+// The joins of a chain of left joins of tables behind the target, the nearest first; empty for another shape.
+std::vector<int> FromClause::leftChain(int target) const
+{
+    std::vector<int> joins;
+    int index = m_root;
+    while (m_nodes[index].source < 0) {
+        const Node& node = m_nodes[index];
+        const int right = m_nodes[node.right].source;
+        if (node.kind != sql::JoinKind::Left || right < 0 || !m_scope.sources()[right].table || !node.on
+            || hasSubquery(*node.on))
+            return {};
+        joins.insert(joins.begin(), index);
+        index = node.left;
+    }
+    return m_nodes[index].source == target ? joins : std::vector<int>();
+}
+
+bool FromClause::namedSeldom(int source, const std::vector<const sql::Expr*>& named,
+                             const std::function<bool(const Source&, const SourceColumn&)>& fixed) const
+{
+    int times = 0;
+    bool steady = true;
+    for (const sql::Expr* e : named) {
+        forEachColumn(*e, [&](const sql::ColumnRef& name) {
+            const Found found = m_scope.find(name);
+            if (found.source != source)
+                return;
+            ++times;
+            const Source& other = m_scope.sources()[source];
+            steady = steady && fixed(other, other.columns[found.column]);
+        });
+    }
+    return steady && times <= 2;
+}
+
+bool FromClause::lookUpOthers(int target, const std::vector<const sql::Expr*>& named, Expressions& expressions,
+                              const std::function<bool(const Source&, const SourceColumn&)>& fixed)
+{
+    const std::vector<int> joins = leftChain(target);
+    if (joins.empty() || std::any_of(named.begin(), named.end(), [](const auto* e) { return hasSubquery(*e); }))
+        return false;
+    for (size_t i = 0; i < joins.size(); ++i) {
+        std::vector<const sql::Expr*> all = named;
+        for (size_t later = i + 1; later < joins.size(); ++later)
+            all.push_back(m_nodes[joins[later]].on);
+        if (!namedSeldom(m_nodes[m_nodes[joins[i]].right].source, all, fixed)
+            || !namedSeldom(m_nodes[m_nodes[joins[i]].right].source, {m_nodes[joins[i]].on}, fixed))
+            return false;
+    }
+    for (int index : joins) {
+        const Node& node = m_nodes[index];
+        Source& source = m_scope.sources()[m_nodes[node.right].source];
+        m_scope.setVisible(node.first, node.last);
+        SelectText text;
+        text.from = source.sql;
+        text.where = expressions.condition(*node.on);
+        m_scope.setAllVisible();
+        for (SourceColumn& column : source.columns) {
+            text.columns = {column.sql};
+            column.sql = u'(' + text.text() + u')';
+            column.indexed = false;
+            column.neverNull = false;
+        }
+        source.inlined = true;
+    }
+    return true;
+}
+
 } // namespace jet::compiler
