@@ -61,11 +61,13 @@ public:
     {
         QEventLoop loop;
         QTimer look;
+        int quiet = 0; // one turn more lays out what changed last
         QObject::connect(&look, &QTimer::timeout, &loop, [&] {
             bool still = m_program.runner().isRunning();
             for (GridTab* grid : m_program.window().documents().grids())
                 still = still || grid->model().isLoading() || !grid->model().isComplete();
-            if (!still)
+            quiet = still ? 0 : quiet + 1;
+            if (quiet > 2)
                 loop.quit();
         });
         look.start(20);

@@ -118,9 +118,12 @@ GridSource moduleSource(const data::ModuleRecord& module, const QList<data::Modu
     source.columns << GridColumn{u"Identifiant"_s, column(module.name, module.idColumn()), data::LienCourant};
     if (!module.isIndividus())
         source.columns << GridColumn{u"Individu"_s, column(module.name, u"ID Individus"_s), data::LienCourant};
-    for (const data::FieldRecord& field : module.fields) {
-        if (table && table->field(field.column))
-            source.columns << fields.of(field, module.name);
+    // The current determination is the name of the plant: links come before the other fields.
+    for (const bool links : {true, false}) {
+        for (const data::FieldRecord& field : module.fields) {
+            if ((field.type == data::LienCourant) == links && table && table->field(field.column))
+                source.columns << fields.of(field, module.name);
+        }
     }
     source.columns << GridColumn{u"Créé le"_s, column(module.name, u"DateCreate"_s), data::Date}
                    << GridColumn{u"Modifié le"_s, column(module.name, u"DateModify"_s), data::Date}

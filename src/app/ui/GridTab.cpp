@@ -8,6 +8,7 @@
 #include <QLocale>
 #include <QMimeData>
 #include <QPointer>
+#include <QProxyStyle>
 
 namespace app {
 
@@ -18,6 +19,16 @@ namespace {
 constexpr int widestColumn = 320;
 /// Up to so many rows are copied at once, without a word.
 constexpr qint64 copiedAtOnce = 500;
+
+/// A little air beside the texts: numbers at the right of a column stand off the texts of the next.
+class RoomyStyle : public QProxyStyle {
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        const int usual = QProxyStyle::pixelMetric(metric, option, widget);
+        return metric == PM_FocusFrameHMargin || metric == PM_HeaderMargin ? usual + 3 : usual;
+    }
+};
 
 QString countText(qint64 count, const QString& one, const QString& several)
 {
@@ -53,6 +64,10 @@ GridTab::~GridTab()
 
 void GridTab::arrangeView()
 {
+    auto* style = new RoomyStyle;
+    style->setParent(m_view);
+    m_view->setStyle(style);
+    m_view->horizontalHeader()->setStyle(style);
     m_view->setObjectName(u"grid"_s);
     m_view->setAccessibleName(source().title);
     m_view->setModel(m_model);

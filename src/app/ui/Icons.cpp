@@ -3,7 +3,10 @@
 #include <QApplication>
 #include <QHash>
 #include <QPalette>
+#include <QBuffer>
+#include <QImageReader>
 #include <QPixmap>
+#include <QStandardPaths>
 
 /// The resource stands in a static library: without a call nothing would link it. Outside any namespace, as the
 /// macro wants it.
@@ -22,6 +25,22 @@ QIcon drawn(const QString& file)
 {
     registerIcons();
     return QIcon(u":/herbora/icons/"_s + file + u".svg"_s);
+}
+
+/// The picture of a module in the sizes in use; a drawing is drawn anew for each.
+QIcon pictured(const QByteArray& bytes)
+{
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48}) {
+        QBuffer buffer;
+        buffer.setData(bytes);
+        QImageReader reader(&buffer);
+        reader.setScaledSize(reader.size().scaled(side, side, Qt::KeepAspectRatio));
+        const QImage image = reader.read();
+        if (!image.isNull())
+            icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
 }
 
 } // namespace
@@ -45,9 +64,11 @@ QIcon iconNamed(const QString& name, const QList<data::ModuleRecord>& modules)
     if (!name.startsWith(own))
         return iconNamed(name);
     for (const data::ModuleRecord& module : modules) {
-        QPixmap picture;
-        if (module.name == name.mid(own.size()) && picture.loadFromData(module.icon))
-            return QIcon(picture);
+        if (module.name != name.mid(own.size()))
+            continue;
+        const QIcon icon = pictured(module.icon);
+        if (!icon.isNull())
+            return icon;
     }
     return iconNamed(name.mid(own.size()));
 }
@@ -69,6 +90,14 @@ void followPalette()
     if (!ours)
         return;
     const QPalette palette = QApplication::palette();
+    QStringList folders = QIcon::themeSearchPaths();
+    const QStringList installed = QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, u"icons"_s,
+                                                            QStandardPaths::LocateDirectory);
+    for (const QString& folder : installed) {
+        if (!folders.contains(folder))
+            folders << folder; // platforms without a desktop name none
+    }
+    QIcon::setThemeSearchPaths(folders);
     const bool dark = palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
     QIcon::setThemeName(dark ? u"breeze-dark"_s : u"breeze"_s);
 }

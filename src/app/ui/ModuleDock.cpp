@@ -1,12 +1,15 @@
 #include "app/ui/ModuleDock.h"
 
+#include <QLabel>
+#include <QMenu>
+
 namespace app {
 
 using namespace Qt::StringLiterals;
 
 ModuleDock::ModuleDock(QWidget* parent)
     : QDockWidget(u"Arbre des modules"_s, parent), m_model(new TreeModel(this)), m_commands(new TreeCommands(this)),
-      m_view(new QTreeView(this))
+      m_view(new QTreeView(this)), m_pages(new QStackedWidget(this))
 {
     setObjectName(u"dockModules"_s);
     setAllowedAreas(Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea);
@@ -21,7 +24,15 @@ ModuleDock::ModuleDock(QWidget* parent)
     m_view->setFrameShape(QFrame::NoFrame);
     const int side = m_view->fontMetrics().height();
     m_view->setIconSize({qMax(16, side), qMax(16, side)});
-    setWidget(m_view);
+    auto* none = new QLabel(u"Aucun projet ouvert"_s, this);
+    none->setObjectName(u"noProject"_s);
+    none->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
+    none->setMargin(12);
+    none->setEnabled(false);
+    m_pages->setObjectName(u"modulePages"_s);
+    m_pages->addWidget(none);
+    m_pages->addWidget(m_view);
+    setWidget(m_pages);
 
     connect(m_view, &QTreeView::customContextMenuRequested, this, &ModuleDock::showMenu);
     connect(m_view, &QTreeView::activated, this, &ModuleDock::activate);
@@ -33,6 +44,7 @@ ModuleDock::ModuleDock(QWidget* parent)
 void ModuleDock::load(const Session& session)
 {
     m_model->load(session);
+    m_pages->setCurrentWidget(m_view);
     m_view->expandAll();
     m_view->setCurrentIndex(m_model->index(0, 0));
 }
@@ -40,6 +52,7 @@ void ModuleDock::load(const Session& session)
 void ModuleDock::clear()
 {
     m_model->clear();
+    m_pages->setCurrentIndex(0);
 }
 
 void ModuleDock::collapseAll()

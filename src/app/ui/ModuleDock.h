@@ -5,6 +5,7 @@
 #include "app/ui/TreeModel.h"
 
 #include <QDockWidget>
+#include <QStackedWidget>
 #include <QTreeView>
 
 namespace app {
@@ -32,6 +33,7 @@ private:
     TreeModel* m_model;
     TreeCommands* m_commands;
     QTreeView* m_view;
+    QStackedWidget* m_pages; ///< The tree, or a word that there is none.
 };
 
 } // namespace app

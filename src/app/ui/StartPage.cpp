@@ -40,6 +40,7 @@ StartPage::StartPage(RecentFiles& recent, QWidget* parent)
     m_subtitle->setWordWrap(true);
 
     auto* texts = new QVBoxLayout;
+    texts->setSpacing(0);
     texts->addStretch();
     texts->addWidget(m_title);
     texts->addWidget(m_subtitle);
@@ -109,6 +110,8 @@ QCommandLinkButton* StartPage::addChoice(const QString& name, const QIcon& icon,
     button->setAccessibleName(text);
     button->setIcon(icon);
     button->setIconSize({24, 24});
+    if (description.isEmpty()) // its own height leaves room for one
+        button->setFixedHeight(button->iconSize().height() + 12);
     m_list->addWidget(button);
     return button;
 }

@@ -3,6 +3,7 @@
 #include "app/ui/Program.h"
 #include "platform/ui/QtDialogues.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
 #include <QTimer>
