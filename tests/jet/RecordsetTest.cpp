@@ -109,8 +109,10 @@ TEST_F(RecordsetTest, RecordCountOfAStatementCountsVisitedRows)
 
 TEST_F(RecordsetTest, AbsolutePositionLeadsToAnyRow)
 {
+    jet::Operation operation(*db, u"remplissage"_s);
     for (int number = 0; number < 50; ++number)
         addTaxon(u"Taxon %1"_s.arg(number, 2, 10, QChar(u'0')));
+    operation.commit();
     const auto rows = db->OpenRecordset(u"SELECT Nom FROM Taxons ORDER BY Nom DESC"_s);
     for (const int position : {49, 0, 31, 7}) {
         rows->SetAbsolutePosition(position);
@@ -275,6 +277,7 @@ TEST_F(RecordsetTest, OwnDeletionsLeaveNoGapInThePositions)
 
 TEST_F(RecordsetTest, WritingWhileReadingVisitsEachRowOnce)
 {
+    jet::Operation operation(*db, u"essai"_s);
     for (int number = 0; number < 200; ++number)
         addTaxon(u"t%1"_s.arg(number), QVariant(), number);
     const auto rows = db->OpenRecordset(u"SELECT [ID Taxons], Rang FROM Taxons WHERE Rang>=0"_s);
@@ -433,6 +436,7 @@ TEST_F(RecordsetTest, SeekNeedsATableAnIndexAndItsKeys)
 TEST_F(RecordsetTest, WalkingAnIndexFollowsItsOrderBothWays)
 {
     QRandomGenerator random(7);
+    jet::Operation operation(*db, u"essai"_s);
     for (int number = 0; number < 40; ++number) {
         const QVariant rank = random.bounded(4) == 0 ? QVariant() : QVariant(random.bounded(5));
         addTaxon(u"%1%2"_s.arg(QChar(u"aéEbz"[random.bounded(5)])).arg(number % 3), u"A%1"_s.arg(number), rank);

@@ -10,6 +10,7 @@ class StatementsTest : public EngineFixture {
 protected:
     void fill()
     {
+        jet::Operation operation(*db, u"remplissage"_s);
         addTaxon(u"Carex"_s, u"L."_s, 1);           // 1
         addTaxon(u"Draba"_s, u"L."_s, 1);           // 2
         addTaxon(u"Élyme"_s, QVariant(), 2);        // 3
@@ -17,6 +18,7 @@ protected:
         addTaxon(u"Erica"_s, u"L."_s, 3);           // 5
         for (int number = 1; number <= 6; ++number)
             addPlant(u"P%1"_s.arg(number), number <= 3 ? 1 : number <= 5 ? 2 : QVariant());
+        operation.commit();
     }
 
     /// Reopens the file, so that only what the disk holds is seen.
@@ -186,8 +188,10 @@ protected:
     {
         StatementsTest::SetUp();
         fill();
+        jet::Operation operation(*db, u"remplissage"_s);
         for (int number = 0; number < 40; ++number)
             addTaxon(u"Taxon %1"_s.arg(number), QVariant(), 8);
+        operation.commit();
     }
 
     /// Runs `work` while another thread interrupts it as soon as the store reports progress.
