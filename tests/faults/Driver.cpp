@@ -40,13 +40,35 @@ const Operation* find(const QString& name)
     return nullptr;
 }
 
-/// The child's part: plays the operation and says by its exit status how that ended.
-int play(const QString& name, const QString& folder)
+/// The part of a child process. Exit status 0 when all went well, 1 when the operation reported a
+/// failure, 3 when something is not as it should be.
+int takePart(const QString& part, const Operation& operation, const QString& folder)
 {
     // A hang must end the trial, not the whole sweep.
     alarm(60);
-    const Operation* operation = find(name);
-    return operation && operation->run(folder) ? 0 : 1;
+    QTextStream out(stdout);
+    try {
+        if (part == role::prepare) {
+            operation.prepare(folder);
+        } else if (part == role::play) {
+            return operation.run(folder) ? 0 : 1;
+        } else if (part == role::state) {
+            out << operation.state(folder) << Qt::endl;
+        } else {
+            out << operation.state(folder) << Qt::endl;
+            operation.nextStart(folder);
+            out << operation.state(folder) << Qt::endl;
+        }
+    } catch (const std::exception& error) {
+        QTextStream(stderr) << QString::fromUtf8(error.what()) << Qt::endl;
+        return 3;
+    }
+    return 0;
+}
+
+bool isPart(const QString& argument)
+{
+    return QStringList{role::prepare, role::play, role::state, role::resume}.contains(argument);
 }
 
 /// Memory-backed where there is one: flushing costs nothing there and the calls are the same.
@@ -71,17 +93,14 @@ std::vector<Point> chosenPoints(const Sweep& sweep, const Wishes& wishes, int sa
 }
 
 /// Trials of one operation, shared out among workers that each have their own folder.
-std::vector<Fault> trials(const Operation& operation, const std::vector<Point>& points,
+std::vector<Fault> trials(const Sweep& rehearsed, const std::vector<Point>& points,
                           const Wishes& wishes)
 {
     std::vector<Fault> found;
     std::mutex guard;
     std::atomic<size_t> next{0};
     const auto work = [&](int number) {
-        const QString folder =
-            u"%1/%2-%3"_s.arg(wishes.folder, operation.name, QString::number(number));
-        Sweep sweep(operation, folder, QCoreApplication::applicationFilePath(), wishes.library);
-        sweep.rehearse();
+        Sweep sweep = rehearsed.worker(u"%1/%2"_s.arg(wishes.folder, QString::number(number)));
         for (size_t i = next++; i < points.size(); i = next++) {
             const QString wrong = sweep.trial(points[i]);
             if (!wrong.isEmpty()) {
@@ -128,7 +147,7 @@ bool sweepOne(const Operation& operation, const Wishes& wishes, int sampleSize, 
         return false;
     }
     const auto points = chosenPoints(sweep, wishes, sampleSize);
-    const auto found = trials(operation, points, wishes);
+    const auto found = trials(sweep, points, wishes);
     const double seconds = qMax<qint64>(clock.elapsed(), 1) / 1000.0;
     out << u"%1 %2 appels, %3 points, %4 défauts, %5 s\n"_s.arg(
         operation.name.leftJustified(20), QString::number(sweep.calls().size()).rightJustified(6),
@@ -181,8 +200,9 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(u"Herbora"_s);
     QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 4 && arguments.at(1) == u"--jouer"_s) {
-        return play(arguments.at(2), arguments.at(3));
+    if (arguments.size() == 4 && isPart(arguments.at(1))) {
+        const Operation* operation = find(arguments.at(2));
+        return operation ? takePart(arguments.at(1), *operation, arguments.at(3)) : 2;
     }
 
     QCommandLineParser parser;

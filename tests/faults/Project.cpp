@@ -122,10 +122,10 @@ QString YesDialogues::chooseFolder(const QString& title, const QString&)
     return {};
 }
 
-Workplace::Workplace(const QString& folder, const QString& settingsFile)
-    : m_folder(folder),
-      m_settings(settingsFile.isEmpty() ? folder + u"/../Herbora.ini"_s : settingsFile),
-      m_session({m_dialogues, m_clock, m_settings, folder + u"/.."_s, u"" HERBORA_VERSION ""_s})
+Workplace::Workplace(const QString& folder)
+    : m_folder(folder), m_settings(QFileInfo(folder).absolutePath() + u"/Herbora.ini"_s),
+      m_session({m_dialogues, m_clock, m_settings, QFileInfo(folder).absolutePath(),
+                 u"" HERBORA_VERSION ""_s})
 {
 }
 

@@ -29,10 +29,10 @@ public:
 };
 
 /// A session with its surroundings, for the time of one operation. Its settings file lies outside
-/// `folder`, unless the settings are what is tried.
+/// `folder`: a fault there is another operation's matter.
 class Workplace {
 public:
-    explicit Workplace(const QString& folder, const QString& settingsFile = {});
+    explicit Workplace(const QString& folder);
 
     app::Session& session() { return m_session; }
     QString project() const { return m_folder + QStringLiteral("/projet.hbx"); }

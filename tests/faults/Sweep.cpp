@@ -4,14 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <csignal>
-#include <cstring>
-#include <fcntl.h>
-#include <spawn.h>
 #include <stdexcept>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;
 
 namespace faults {
 
@@ -19,73 +12,25 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr QDir::Filters everything =
+    QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+
+void copyFile(const QFileInfo& source, const QString& target)
+{
+    QFile copy(target);
+    if (!QFile::copy(source.filePath(), target) || !copy.open(QIODevice::ReadWrite) ||
+        !copy.setFileTime(source.lastModified(), QFileDevice::FileModificationTime)) {
+        throw std::runtime_error((u"copie impossible : "_s + target).toStdString());
+    }
+}
+
+/// Files only, with their dates: projects have no folders of their own.
 void copyFolder(const QString& source, const QString& target)
 {
     QDir().mkpath(target);
-    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (const QFileInfo& entry : QDir(source).entryInfoList(all)) {
-        const QString destination = target + u'/' + entry.fileName();
-        if (entry.isDir()) {
-            copyFolder(entry.filePath(), destination);
-        } else if (!QFile::copy(entry.filePath(), destination)) {
-            throw std::runtime_error((u"copie impossible : "_s + destination).toUtf8().constData());
-        }
+    for (const QFileInfo& entry : QDir(source).entryInfoList(everything)) {
+        copyFile(entry, target + u'/' + entry.fileName());
     }
-}
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// The environment of this process with the orders for the library before it.
-std::vector<QByteArray> environment(const QByteArrayList& orders)
-{
-    std::vector<QByteArray> all(orders.begin(), orders.end());
-    for (char** entry = environ; *entry; ++entry) {
-        if (std::strncmp(*entry, "LD_PRELOAD=", 11) != 0 &&
-            std::strncmp(*entry, "HERBORA_FAULTS_", 15) != 0) {
-            all.emplace_back(*entry);
-        }
-    }
-    return all;
-}
-
-std::vector<char*> pointers(std::vector<QByteArray>& texts)
-{
-    std::vector<char*> result;
-    result.reserve(texts.size() + 1);
-    for (QByteArray& text : texts) {
-        result.push_back(text.data());
-    }
-    result.push_back(nullptr);
-    return result;
-}
-
-/// Runs a program to its end with nothing on its standard input and both outputs in one file.
-/// Gives the status of waitpid.
-int runToEnd(std::vector<QByteArray> arguments, std::vector<QByteArray> variables,
-             const QByteArray& output)
-{
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, output.constData(), O_WRONLY | O_CREAT | O_TRUNC,
-                                     0600);
-    posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    pid_t child = 0;
-    const auto argv = pointers(arguments);
-    const auto envp = pointers(variables);
-    const int error = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
-        throw std::runtime_error(std::strerror(error));
-    }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    return status;
 }
 
 } // namespace
@@ -103,32 +48,40 @@ bool Call::writes() const
 }
 
 Sweep::Sweep(const Operation& operation, QString folder, QString driver, QString library)
-    : m_operation(operation), m_folder(std::move(folder)), m_driver(std::move(driver)),
-      m_library(std::move(library))
+    : m_operation(&operation), m_folder(std::move(folder)), m_driver(std::move(driver)),
+      m_library(std::move(library)), m_prepared(m_folder + u"/avant"_s)
 {
     QDir().mkpath(m_folder);
 }
 
+Sweep Sweep::worker(const QString& folder) const
+{
+    Sweep copy = *this;
+    copy.m_folder = folder;
+    QDir().mkpath(folder);
+    return copy;
+}
+
 QStringList Sweep::rehearse()
 {
-    const QString before = m_folder + u"/avant"_s;
-    QDir().mkpath(before);
-    m_operation.prepare(before);
+    QDir().mkpath(m_prepared);
+    const Ended prepared = run(role::prepare, m_prepared);
+    if (prepared.signal != 0 || prepared.status != 0) {
+        return {u"préparation impossible : "_s + prepared.messages};
+    }
     reset();
-    m_before = m_operation.state(arena());
+    m_before = stateOf(arena());
 
     reset();
     const Outcome outcome = play({u"count"_s, 0});
     m_calls = readJournal();
-    QStringList wrong;
     if (!outcome.success) {
-        wrong << u"sans aucune panne, l'opération échoue : "_s + outcome.crash + outcome.message;
-        return wrong;
+        return {u"sans aucune panne, l'opération échoue : "_s + outcome.wrong};
     }
-    m_after = m_operation.state(arena());
-    wrong << judge(outcome);
+    m_after = stateOf(arena());
+    QStringList wrong{judge(outcome)};
     for (const Call& call : m_calls) {
-        if (m_operation.untouched.contains(QFileInfo(call.path).fileName())) {
+        if (m_operation->untouched.contains(QFileInfo(call.path).fileName())) {
             wrong << u"sans aucune panne, %1 touche %2"_s.arg(call.name, call.path);
         }
     }
@@ -159,66 +112,79 @@ QString Sweep::trial(const Point& point)
 void Sweep::reset() const
 {
     QDir(arena()).removeRecursively();
-    copyFolder(m_folder + u"/avant"_s, arena());
+    copyFolder(m_prepared, arena());
     QFile::remove(m_folder + u"/journal"_s);
+}
+
+Ended Sweep::run(const QString& role, const QString& folder, const QByteArrayList& variables) const
+{
+    return runToEnd({m_driver.toUtf8(), role.toUtf8(), m_operation->name.toUtf8(), folder.toUtf8()},
+                    variables + QByteArrayList{"QT_HASH_SEED=0"}, m_folder + u"/essai"_s);
+}
+
+QString Sweep::stateOf(const QString& folder) const
+{
+    const Ended ended = run(role::state, folder);
+    if (ended.signal != 0 || ended.status != 0) {
+        throw std::runtime_error((u"état illisible : "_s + ended.messages).toStdString());
+    }
+    return ended.output;
 }
 
 Sweep::Outcome Sweep::play(const Point& point) const
 {
-    const QString output = m_folder + u"/sortie"_s;
-    const QByteArrayList orders{
-        "LD_PRELOAD=" + m_library.toUtf8(),
-        "HERBORA_FAULTS_FOLDER=" + arena().toUtf8(),
-        "HERBORA_FAULTS_AT=" + QByteArray::number(point.call),
-        "HERBORA_FAULTS_MODE=" + point.mode.toUtf8(),
-        "HERBORA_FAULTS_JOURNAL=" + (m_folder + u"/journal"_s).toUtf8(),
-    };
-    const int status =
-        runToEnd({m_driver.toUtf8(), "--jouer", m_operation.name.toUtf8(), arena().toUtf8()},
-                 environment(orders), output.toUtf8());
+    const Ended ended =
+        run(role::play, arena(),
+            {"LD_PRELOAD=" + m_library.toUtf8(), "HERBORA_FAULTS_FOLDER=" + arena().toUtf8(),
+             "HERBORA_FAULTS_AT=" + QByteArray::number(point.call),
+             "HERBORA_FAULTS_MODE=" + point.mode.toUtf8(),
+             "HERBORA_FAULTS_JOURNAL=" + (m_folder + u"/journal"_s).toUtf8()});
+    const bool killing = point.mode == u"kill"_s || point.mode == u"torn"_s;
     Outcome outcome;
-    outcome.message = QString::fromUtf8(contents(output)).trimmed();
-    if (WIFSIGNALED(status)) {
-        const bool asked = point.mode == u"kill"_s || point.mode == u"torn"_s;
-        outcome.killed = asked && WTERMSIG(status) == SIGKILL;
-        if (!outcome.killed) {
-            outcome.crash = u"arrêt par le signal %1 ; "_s.arg(WTERMSIG(status));
-        }
-    } else if (WEXITSTATUS(status) == 0) {
-        outcome.success = true;
-    } else if (WEXITSTATUS(status) != 1) {
-        outcome.crash = u"fin avec le code %1 ; "_s.arg(WEXITSTATUS(status));
+    outcome.killed = killing && ended.signal == SIGKILL;
+    outcome.success = ended.signal == 0 && ended.status == 0;
+    if (ended.signal != 0 && !outcome.killed) {
+        outcome.wrong =
+            u"arrêt par le signal %1 : %2"_s.arg(QString::number(ended.signal), ended.messages);
+    } else if (ended.status > 1) {
+        outcome.wrong =
+            u"fin avec le code %1 : %2"_s.arg(QString::number(ended.status), ended.messages);
+    } else if (ended.status == 1 && ended.messages.isEmpty()) {
+        outcome.wrong = u"échec sans message"_s;
+    } else if (ended.status == 1 && point.call == 0) {
+        outcome.wrong = ended.messages;
     }
     return outcome;
 }
 
 QString Sweep::judge(const Outcome& outcome) const
 {
-    if (!outcome.crash.isEmpty()) {
-        return outcome.crash + outcome.message;
+    if (!outcome.wrong.isEmpty()) {
+        return outcome.wrong;
     }
-    if (!outcome.killed && !outcome.success && outcome.message.isEmpty()) {
-        return u"échec sans message"_s;
+    const Ended resumed = run(role::resume, arena());
+    if (resumed.signal != 0) {
+        return u"la reprise s'arrête par le signal %1 : %2"_s.arg(QString::number(resumed.signal),
+                                                                  resumed.messages);
     }
-    try {
-        QString wrong = judgeState(outcome);
-        if (wrong.isEmpty()) {
-            m_operation.nextStart(arena());
-            wrong = judgeState(outcome);
+    if (resumed.status != 0) {
+        return u"la reprise échoue : "_s + resumed.messages;
+    }
+    for (const QString& state : resumed.output.split(u'\n')) {
+        const QString wrong = judgeState(state, outcome);
+        if (!wrong.isEmpty()) {
+            return wrong;
         }
-        return wrong.isEmpty() ? strayFiles() : wrong;
-    } catch (const std::exception& error) {
-        return QString::fromUtf8(error.what());
     }
+    return strayFiles();
 }
 
-QString Sweep::judgeState(const Outcome& outcome) const
+QString Sweep::judgeState(const QString& state, const Outcome& outcome) const
 {
-    const QString now = m_operation.state(arena());
-    if (now == m_after) {
+    if (state == m_after) {
         return {};
     }
-    if (now != m_before) {
+    if (state != m_before) {
         return u"ni comme avant, ni comme après"_s;
     }
     return outcome.success ? u"succès annoncé, mais rien n'est fait"_s : QString();
@@ -226,10 +192,9 @@ QString Sweep::judgeState(const Outcome& outcome) const
 
 QString Sweep::strayFiles() const
 {
-    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     QStringList left;
-    for (const QString& name : QDir(arena()).entryList(all)) {
-        if (!m_operation.filesAfterwards.contains(name)) {
+    for (const QString& name : QDir(arena()).entryList(everything)) {
+        if (!m_operation->filesAfterwards.contains(name)) {
             left << name;
         }
     }
