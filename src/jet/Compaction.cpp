@@ -68,6 +68,8 @@ void copyInto(Store& store, const QString& temporary)
 /// AutoNumbers go on from the largest value present.
 void resetCounters(Store& store, const Schema& schema)
 {
+    if (schema.tables().isEmpty())
+        return; // there is nothing that counts, and no table of counters either
     store.run(u"BEGIN; DELETE FROM sqlite_sequence"_s);
     for (const TableDef& table : schema.tables()) {
         store.run(u"INSERT INTO sqlite_sequence(name,seq) SELECT %1, max(%2) FROM %3 HAVING count(*)>0"_s.arg(

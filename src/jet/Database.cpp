@@ -20,8 +20,6 @@ namespace {
 
 Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
 
-constexpr int lockPatience = 2000; // milliseconds
-
 QString lockPath(const QString& path)
 {
     return path + u".lock"_s;
@@ -72,11 +70,26 @@ LockResult takeLock(const QString& path)
     return result;
 }
 
-/// Locks the store for this process. Changes nothing in a file whose last user closed it.
-void acquire(Store& store, const QString& path, bool readOnly)
+/// What the store says to a file that was taken for one of ours.
+[[noreturn]] void failConnecting(const Error& error, const QString& path)
+{
+    switch (error.number()) {
+    case 3045:
+        failInUse(path);
+    case 3219: // a format or a catalogue that it does not know
+    case 3343:
+        fail(3049, path, u"son en-tête ou son catalogue est altéré"_s);
+    default:
+        throw error;
+    }
+}
+
+/// Opens the store and locks it for this process. Changes nothing in a file whose last user closed it.
+void connect(Store& store, const QString& path, bool create, bool readOnly)
 {
     try {
-        store.run(u"PRAGMA busy_timeout=%1; PRAGMA locking_mode=EXCLUSIVE"_s.arg(lockPatience));
+        store.open(path, create, readOnly);
+        store.run(u"PRAGMA locking_mode=EXCLUSIVE"_s);
         if (readOnly) {
             store.run(u"BEGIN; SELECT count(*) FROM sqlite_schema; COMMIT"_s);
         } else {
@@ -85,11 +98,7 @@ void acquire(Store& store, const QString& path, bool readOnly)
         }
         store.run(u"PRAGMA busy_timeout=0"_s);
     } catch (const Error& error) {
-        if (error.number() == 3045)
-            failInUse(path);
-        if (error.number() == 3343) // its identity was right
-            fail(3049, path, u"son en-tête est altéré"_s);
-        throw;
+        failConnecting(error, path);
     }
 }
 
@@ -148,8 +157,7 @@ std::unique_ptr<Database> Database::Create(const QString& path, const QString& l
     try {
         d.path = QFileInfo(full).canonicalFilePath();
         d.lock = takeLock(d.path).lock;
-        d.store.open(d.path, true, false);
-        acquire(d.store, d.path, false);
+        connect(d.store, d.path, true, false);
         writeLayout(d.store, parsed);
         d.loadSchema();
     } catch (...) {
@@ -173,12 +181,15 @@ std::unique_ptr<Database> Database::Open(const QString& path, const OpenOptions&
         locked = takeLock(file.path);
     d.lock = std::move(locked.lock);
     checkHeader(file);
-    d.store.open(file.path, false, d.readOnly);
-    acquire(d.store, file.path, d.readOnly);
+    connect(d.store, file.path, false, d.readOnly);
     if (options.checkFirst || locked.wasStale || file.hasJournal)
         quickCheck(d.store, file.path);
-    d.admit(options.password);
-    d.loadSchema();
+    try {
+        d.admit(options.password);
+        d.loadSchema();
+    } catch (const Error& error) {
+        failConnecting(error, file.path);
+    }
     d.renewTextOrder();
     return database;
 }

@@ -108,10 +108,10 @@ void DefinitionWriter::rebuild(const TableDef& before, const TableDef& after)
     QStringList sources{quoted(before.rowIdColumn())};
     for (const Field& field : after.Fields) {
         const bool isNew = !before.field(field.Name);
-        if (field.AutoIncrement || (isNew && !field.Required))
+        if (field.AutoIncrement || (isNew && field.Type == DataType::Boolean))
             continue;
         targets += quoted(field.Name);
-        sources += isNew ? defaultSql(m_store, field) : quoted(field.Name);
+        sources += !isNew ? quoted(field.Name) : field.Required ? defaultSql(m_store, field) : u"NULL"_s;
     }
     const QVariant counter =
         m_store.single(u"SELECT seq FROM sqlite_sequence WHERE name="_s + quotedText(before.Name));

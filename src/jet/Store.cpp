@@ -154,6 +154,7 @@ void harden(sqlite3* db)
     sqlite3_limit(db, SQLITE_LIMIT_VARIABLE_NUMBER, 32766);
 }
 
+constexpr int lockPatience = 2000; // milliseconds
 constexpr int stepsBetweenProgress = 5000;
 
 } // namespace
@@ -268,6 +269,11 @@ void Statement::reset()
     sqlite3_reset(m_handle);
 }
 
+bool Statement::hasSorted() const
+{
+    return sqlite3_stmt_status(m_handle, SQLITE_STMTSTATUS_SORT, 0) > 0;
+}
+
 int Statement::columns() const
 {
     return sqlite3_column_count(m_handle);
@@ -345,6 +351,8 @@ void Store::open(const QString& path, bool create, bool readOnly)
             raise(code);
         harden(m_db);
         registerFunctions(m_db);
+        // Only for a lock that is just about to go: whoever has locked the file for good sets it to 0.
+        sqlite3_busy_timeout(m_db, lockPatience);
         run(u"PRAGMA cell_size_check=ON; PRAGMA mmap_size=0; PRAGMA synchronous=EXTRA;"
             "PRAGMA cache_size=-65536; PRAGMA temp_store=FILE; PRAGMA secure_delete=FAST;"
             // A deletion in a tree of records goes down through the same trigger.
