@@ -8,8 +8,8 @@ namespace jet {
 
 /// A list of row identifiers, 8 bytes for each source and row, and never the values.
 ///
-/// Without an order the cursor gives the values of the row it stands on; every other row, and
-/// every row of an ordered statement (whose sort then carries identifiers alone), is looked up.
+/// Where nothing is sorted the cursor gives the values of the row it stands on; every other row, and
+/// every row of a sorted statement (whose sort then carries identifiers alone), is looked up.
 class KeyedRows : public ListRows {
 public:
     /// `existence` holds for each source a statement that gives a row when the record ?1 exists.
@@ -30,12 +30,15 @@ protected:
 
 private:
     const qint64* identifiers(qint64 row) const { return m_ids.data() + row * m_sources; }
+    void run();
     Statement& lookUp(qint64 row);
     void requireRecords(qint64 row);
 
     std::shared_ptr<const CompiledQuery> m_query;
     qint64 m_sources;
     Statement m_cursor;
+    bool m_withValues = false; ///< The cursor gives the values behind the identifiers.
+    bool m_stepped = false;    ///< The cursor stands on a row not yet taken.
     Statement m_lookUp;
     QStringList m_existence;
     std::vector<Statement> m_existing; ///< As m_existence, prepared at the first need.

@@ -31,6 +31,7 @@ public:
     void bind(int position, qint64 value);
     bool step();  ///< True while there is a row.
     void reset(); ///< Also clears nothing: bindings stay.
+    bool hasSorted() const; ///< Its rows so far came out of a sort, not in the order of an index.
     int columns() const;
     bool isNull(int column) const;
     qint64 int64(int column) const;
