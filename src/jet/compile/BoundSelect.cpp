@@ -17,12 +17,16 @@ BoundSelect::BoundSelect(Context& context, const sql::Select& select, Scope* out
         return hasAggregate(*item.expression);
     });
     grouped = aggregates || !select.groupBy.empty() || select.having;
+    // Groups, outputs and order must be written alike to be known as the same.
+    expressions.inOutputs = true;
     if (grouped)
         bindGroups();
     bindOutputs();
     if (select.having) {
+        expressions.inOutputs = false;
         having = expressions.condition(*select.having);
         expressions.requireGrouped();
+        expressions.inOutputs = true;
     }
     judgeDistinctRow();
 }

@@ -16,6 +16,8 @@ using sql::BinaryOp;
 
 namespace {
 
+constexpr qsizetype longestSql = 1'000'000;
+
 enum class Family { Unknown, Text, Number, Binary };
 
 Family familyOf(DataType type)
@@ -126,6 +128,9 @@ Emitted Expressions::compile(const sql::Expr& expression, Place place)
 {
     const qsizetype looseBefore = grouping ? grouping->loose.size() : 0;
     Emitted e = std::visit([&](const auto& n) { return node(n, expression, place); }, expression.node);
+    // Some forms write a part twice; deep nests of them would grow without bound.
+    if (e.sql.size() > longestSql)
+        fail(3360, written(expression));
     // A part that is itself a grouped expression makes its columns part of the group.
     if (grouping && grouping->keys.contains(e.sql))
         grouping->loose.resize(looseBefore);
@@ -327,7 +332,8 @@ Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b,
     case BinaryOp::Power: return plain(u"jet_pow("_s + x + u", "_s + y + u')', DataType::Double);
     case BinaryOp::IntDivide: return plain(u"jet_idiv("_s + x + u", "_s + y + u')', DataType::Long);
     case BinaryOp::Modulo: return plain(u"jet_mod("_s + x + u", "_s + y + u')', DataType::Long);
-    case BinaryOp::Divide: return plain(u"(CAST("_s + x + u" AS REAL) / "_s + y + u')', DataType::Double);
+    case BinaryOp::Divide:
+        return plain(u"(CAST("_s + x + u" AS REAL) / "_s + divisor(y, b) + u')', DataType::Double);
     case BinaryOp::Multiply:
         return plain(u'(' + x + u" * "_s + y + u')', common == DataType::Boolean ? DataType::Long : common);
     default:
@@ -338,6 +344,14 @@ Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b,
     const DataType type = dates ? (a.type == b.type ? DataType::Double : DataType::Date)
                                 : (common == DataType::Boolean ? DataType::Long : common);
     return plain(u'(' + x + u" - "_s + y + u')', type);
+}
+
+// The store gives NULL for a division by zero. That serves for a cell of a result; what is stored or
+// tested must fail (11), which the whole division of the dialect does.
+QString Expressions::divisor(const QString& sql, const Emitted& value) const
+{
+    const bool safe = inOutputs || (value.constant && value.sql.toDouble() != 0);
+    return safe ? sql : u"CASE WHEN "_s + sql + u" = 0 THEN jet_idiv(1, "_s + sql + u") ELSE "_s + sql + u" END"_s;
 }
 
 Emitted Expressions::add(const Emitted& a, const Emitted& b, const sql::Expr&)

@@ -64,6 +64,8 @@ public:
     /// While set, columns must be part of the keys or of an aggregate: see requireGrouped.
     Grouping* grouping = nullptr;
     bool aggregatesAllowed = false;
+    /// Outputs, groups or order are compiled: a cell that cannot be worked out is Null.
+    bool inOutputs = false;
     /// A range of an indexed column was asked for: rows may come in the order of that index.
     bool rangesAsked = false;
     /// 3122 when a column was met that is neither. Empties the list.
@@ -93,6 +95,7 @@ private:
     Emitted column(Scope& scope, const Found& found, const sql::Expr& whole);
     Emitted logicalOperator(const sql::Binary& e, Place place);
     Emitted arithmetic(sql::BinaryOp op, const Emitted& a, const Emitted& b, const sql::Expr& whole);
+    QString divisor(const QString& sql, const Emitted& value) const;
     Emitted add(const Emitted& a, const Emitted& b, const sql::Expr& whole);
     Emitted truthTest(sql::BinaryOp op, const Emitted& x, bool truth);
     QString likeRange(const Emitted& operand, const sql::Expr& pattern);

@@ -183,9 +183,21 @@ QString FromClause::text(int index, Expressions& expressions)
     if (!node.on)
         return left + word + right;
     m_scope.setVisible(node.first, node.last);
-    const QString on = expressions.condition(*node.on);
+    const QString on = joinCondition(*node.on, expressions);
     m_scope.setAllVisible();
     return left + word + right + u" ON "_s + on;
+}
+
+// A text compared with a number has a number of its own here.
+QString FromClause::joinCondition(const sql::Expr& on, Expressions& expressions) const
+{
+    try {
+        return expressions.condition(on);
+    } catch (const Error& error) {
+        if (error.number() == 3464)
+            fail(3615, written(on));
+        throw;
+    }
 }
 
 bool FromClause::followsFirst() const

@@ -71,6 +71,7 @@ private:
     void reduce(int node, SourceSet rejected);
     void markNullable(int node, bool nullable);
     QString text(int node, Expressions& expressions);
+    QString joinCondition(const sql::Expr& on, Expressions& expressions) const;
     void collect(int node, Expressions& expressions, std::vector<Equality>& out) const;
     void collect(const sql::Expr& condition, SourceSet determinable, Expressions& expressions,
                  std::vector<Equality>& out) const;
