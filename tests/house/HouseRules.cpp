@@ -140,9 +140,11 @@ QList<int> namesNotAscii(const Source& s)
 
 QList<int> chainedArguments(const Source& s)
 {
+    if (!s.isCpp() || !s.under(u"src/")) {
+        return {};
+    }
     // A value that holds "%2" is filled again by the second call.
-    return s.isCpp() ? linesOf(s.code, uR"(\.arg(\((?:[^()]|(?1))*\))\s*\.arg\s*\()"_s)
-                     : QList<int>();
+    return linesOf(s.code, uR"(\.arg(\((?:[^()]|(?1))*\))\s*\.arg\s*\()"_s);
 }
 
 QList<int> emptyCatches(const Source& s)
