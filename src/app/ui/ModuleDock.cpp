@@ -1,5 +1,6 @@
 #include "app/ui/ModuleDock.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 
@@ -17,6 +18,7 @@ ModuleDock::ModuleDock(QWidget* parent)
     m_view->setAccessibleName(u"Arbre des modules"_s);
     m_view->setModel(m_model);
     m_view->setHeaderHidden(true);
+    m_view->header()->setAccessibleName(u"Modules"_s);
     m_view->setUniformRowHeights(true);
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_view->setExpandsOnDoubleClick(false); // a module opens its records instead
