@@ -4,6 +4,7 @@
 #include "app/DemoRecords.h"
 #include "app/ProjectFiles.h"
 #include "app/SyntheticProject.h"
+#include "data/ModuleTable.h"
 
 #include <QDir>
 #include <QFile>
@@ -65,6 +66,31 @@ private:
     bool m_made = false;
 };
 
+/// Leaves the modules only their primary keys: an index made once over all rows is sorted, while one kept row by
+/// row is written all over the file.
+void setSearchAside(Session& session)
+{
+    jet::Operation operation(session.database(), u"Démonstration : index"_s);
+    for (const data::ModuleRecord& module : session.modules()) {
+        const jet::TableDef* table = session.database().schema().table(module.name);
+        if (const jet::Index* primary = table ? table->primaryKey() : nullptr)
+            session.database().ReplaceIndexes(module.name, {jet::Index(*primary)});
+    }
+    operation.commit();
+}
+
+/// Makes the indexes of the modules again, as every opening would.
+void restoreSearch(Session& session, platform::Progression& progression)
+{
+    for (const data::ModuleRecord& module : session.modules()) {
+        checkpoint(progression);
+        progression.step(u"Création des index : "_s + module.label, 90);
+        jet::Operation operation(session.database(), u"Démonstration : index"_s);
+        data::buildModuleTable(session.database(), module, session.surroundings().dialogues);
+        operation.commit();
+    }
+}
+
 void fillProject(Session& session, const DemoData& data, const QString& imageFolder,
                  platform::Progression& progression, const DemoOptions& options)
 {
@@ -87,10 +113,13 @@ void fillProject(Session& session, const DemoData& data, const QString& imageFol
         writeSyntheticTaxa(database, taxa, data, options, stamp, species, progression);
     checkpoint(progression);
     progression.step(u"Création des individus"_s, 20);
-    if (options.individus > 0)
+    if (options.individus > 0) {
+        setSearchAside(session);
         writeSyntheticRecords(database, data, reference, species, options, stamp, progression);
-    else
+        restoreSearch(session, progression);
+    } else {
         writeDemoRecords(database, data, reference, stamp, progression);
+    }
     progression.step(u"Création des requêtes et modèles"_s, 92);
     writeDemoObjects(session, imageFolder);
 }
