@@ -12,8 +12,8 @@ struct sqlite3;
 
 namespace bench {
 
-/// Individuals in the file: HERBORA_BENCH_INDIVIDUS, by default 100,000; each has three sub-records. There
-/// are 100,000 taxa whatever the number.
+/// Individuals in the file: HERBORA_BENCH_INDIVIDUS, by default 100,000; each has three
+/// sub-records. There are 100,000 taxa whatever the number.
 int individuals();
 inline constexpr int taxa = 100'000;
 
@@ -34,9 +34,10 @@ private:
 
 File& file();
 
-/// Runs both works in turn, ours being the time of the benchmark. The counters give the best time of
-/// each in milliseconds and their ratio: the best one is what the machine's other work spoils least.
-template <typename Ours, typename ByHand>
+/// Runs both works in turn, ours being the time of the benchmark. The counters give the best time
+/// of each in milliseconds and their ratio: the best one is what the machine's other work spoils
+/// least.
+template<typename Ours, typename ByHand>
 void compare(benchmark::State& state, Ours&& ours, ByHand&& byHand)
 {
     using Clock = std::chrono::steady_clock;

@@ -22,9 +22,12 @@ namespace {
 double toNumber(const QVariant& value, const QString& column)
 {
     switch (value.typeId()) {
-    case QMetaType::Bool: return value.toBool() ? -1 : 0;
-    case QMetaType::QDateTime: return text::dateToDays(value.toDateTime());
-    case QMetaType::QDate: return text::dateToDays(value.toDate().startOfDay());
+    case QMetaType::Bool:
+        return value.toBool() ? -1 : 0;
+    case QMetaType::QDateTime:
+        return text::dateToDays(value.toDateTime());
+    case QMetaType::QDate:
+        return text::dateToDays(value.toDate().startOfDay());
     case QMetaType::QString: {
         const QString text = value.toString().trimmed();
         bool ok = false;
@@ -33,7 +36,8 @@ double toNumber(const QVariant& value, const QString& column)
             refuse(value, column);
         return number;
     }
-    case QMetaType::QByteArray: refuse(value, column);
+    case QMetaType::QByteArray:
+        refuse(value, column);
     default: {
         bool ok = false;
         const double number = value.toDouble(&ok);
@@ -79,8 +83,9 @@ QDateTime toMoment(const QVariant& value, const QString& column)
     if (value.typeId() != QMetaType::QString)
         return text::daysToDate(toNumber(value, column));
     const QString written = value.toString().trimmed();
-    for (const auto* pattern : {u"yyyy-MM-dd HH:mm:ss", u"yyyy-MM-ddTHH:mm:ss", u"yyyy-MM-dd HH:mm", u"yyyy-MM-dd",
-                                u"d/M/yyyy HH:mm:ss", u"d/M/yyyy HH:mm", u"d/M/yyyy"}) {
+    for (const auto* pattern :
+         {u"yyyy-MM-dd HH:mm:ss", u"yyyy-MM-ddTHH:mm:ss", u"yyyy-MM-dd HH:mm", u"yyyy-MM-dd",
+          u"d/M/yyyy HH:mm:ss", u"d/M/yyyy HH:mm", u"d/M/yyyy"}) {
         const QDateTime moment = QDateTime::fromString(written, QStringView(pattern).toString());
         if (moment.isValid())
             return moment;
@@ -97,14 +102,16 @@ QString toText(const QVariant& value, const QString& column)
             refuse(value, column);
         return text;
     }
-    case QMetaType::QByteArray: refuse(value, column);
+    case QMetaType::QByteArray:
+        refuse(value, column);
     case QMetaType::QDateTime:
     case QMetaType::QDate: {
         const QDateTime moment = value.toDateTime();
         const bool day = moment.time() == QTime(0, 0);
         return moment.toString(day ? u"dd/MM/yyyy"_s : u"dd/MM/yyyy HH:mm:ss"_s);
     }
-    default: return text::numberText(toNumber(value, column));
+    default:
+        return text::numberText(toNumber(value, column));
     }
 }
 
@@ -122,21 +129,32 @@ QVariant convertTo(DataType type, const QVariant& value, const QString& column)
     if (!value.isValid())
         return type == DataType::Boolean ? QVariant(false) : QVariant();
     switch (type) {
-    case DataType::Boolean: return toBoolean(value, column);
-    case DataType::Byte: return toWhole(value, 0, 255, column);
-    case DataType::Integer: return toWhole(value, -32768, 32767, column);
+    case DataType::Boolean:
+        return toBoolean(value, column);
+    case DataType::Byte:
+        return toWhole(value, 0, 255, column);
+    case DataType::Integer:
+        return toWhole(value, -32768, 32767, column);
     case DataType::Long:
-        return toWhole(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), column);
-    case DataType::Single: return double(float(toNumber(value, column)));
-    case DataType::Currency: return text::roundHalfEven(toNumber(value, column), 4);
-    case DataType::Double: return toNumber(value, column);
-    case DataType::Date: return toMoment(value, column);
+        return toWhole(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
+                       column);
+    case DataType::Single:
+        return double(float(toNumber(value, column)));
+    case DataType::Currency:
+        return text::roundHalfEven(toNumber(value, column), 4);
+    case DataType::Double:
+        return toNumber(value, column);
+    case DataType::Date:
+        return toMoment(value, column);
     case DataType::Text:
     case DataType::Memo:
-    case DataType::GUID: return toText(value, column);
+    case DataType::GUID:
+        return toText(value, column);
     case DataType::Binary:
-    case DataType::LongBinary: return toBytes(value, column);
-    case DataType::None: break;
+    case DataType::LongBinary:
+        return toBytes(value, column);
+    case DataType::None:
+        break;
     }
     return value;
 }

@@ -52,8 +52,10 @@ void Database::Private::beforeWrite()
     if (readOnly)
         fail(3027, path);
     if (!operations.isEmpty() && !store.inTransaction())
-        throw Error(3034, u"L'opération « %1 » a été annulée à la suite d'une erreur : rien n'a été modifié ; "
-                          u"recommencez-la."_s.arg(operations.first()));
+        throw Error(
+            3034,
+            u"L'opération « %1 » a été annulée à la suite d'une erreur : rien n'a été modifié ; "
+            u"recommencez-la."_s.arg(operations.first()));
     for (CursorHolder* holder : std::as_const(holders))
         holder->finishReading();
 }
@@ -155,7 +157,8 @@ std::unique_ptr<Recordset> Database::OpenRecordset(const QString& source, Record
     if (type == RecordsetType::Table) {
         if (!table)
             fail(3078, name);
-        return std::unique_ptr<Recordset>(new Recordset(std::make_unique<Recordset::Private>(*d, *table)));
+        return std::unique_ptr<Recordset>(
+            new Recordset(std::make_unique<Recordset::Private>(*d, *table)));
     }
     QString text = source;
     if (table)
@@ -218,8 +221,8 @@ void Database::RollbackOperation()
         }
     }
     const QString name = savepoint(d->operations.size() - 1);
-    undo(d->store, d->operations.size() == 1 ? u"ROLLBACK"_s
-                                             : u"ROLLBACK TO %1; RELEASE %1"_s.arg(name));
+    undo(d->store,
+         d->operations.size() == 1 ? u"ROLLBACK"_s : u"ROLLBACK TO %1; RELEASE %1"_s.arg(name));
     d->operations.removeLast();
     if (d->definitionsTouched) {
         d->statements.cache.clear();

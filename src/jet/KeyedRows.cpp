@@ -8,13 +8,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// No identifier comes near these: identifiers that people see have 32 bits, hidden ones count from 1.
+// No identifier comes near these: identifiers that people see have 32 bits, hidden ones count
+// from 1.
 constexpr qint64 noRecord = std::numeric_limits<qint64>::min(); // Null side of an outer join
 constexpr qint64 gone = noRecord + 1;
 
 } // namespace
 
-KeyedRows::KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query, QStringList existence)
+KeyedRows::KeyedRows(Store& store, std::shared_ptr<const CompiledQuery> query,
+                     QStringList existence)
     : ListRows(store), m_query(std::move(query)), m_sources(qint64(m_query->sources.size())),
       m_existence(std::move(existence))
 {
@@ -31,8 +33,8 @@ void KeyedRows::open()
         moveFirst();
 }
 
-/// Sorting identifiers costs half of sorting rows, and the rows looked at are few. Where an index gives the order
-/// there is no sort, and the rows come as they are.
+/// Sorting identifiers costs half of sorting rows, and the rows looked at are few. Where an index
+/// gives the order there is no sort, and the rows come as they are.
 void KeyedRows::run()
 {
     m_withValues = true;
@@ -146,7 +148,8 @@ QVariant KeyedRows::value(int column)
     return value;
 }
 
-/// A look-up over several sources shows a deleted record as Null: a Null is only true when all are there.
+/// A look-up over several sources shows a deleted record as Null: a Null is only true when all are
+/// there.
 void KeyedRows::requireRecords(qint64 row)
 {
     if (m_checked == row)

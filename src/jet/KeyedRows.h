@@ -8,8 +8,8 @@ namespace jet {
 
 /// A list of row identifiers, 8 bytes for each source and row, and never the values.
 ///
-/// Where nothing is sorted the cursor gives the values of the row it stands on; every other row, and
-/// every row of a sorted statement (whose sort then carries identifiers alone), is looked up.
+/// Where nothing is sorted the cursor gives the values of the row it stands on; every other row,
+/// and every row of a sorted statement (whose sort then carries identifiers alone), is looked up.
 class KeyedRows : public ListRows {
 public:
     /// `existence` holds for each source a statement that gives a row when the record ?1 exists.
@@ -42,7 +42,7 @@ private:
     Statement m_lookUp;
     QStringList m_existence;
     std::vector<Statement> m_existing; ///< As m_existence, prepared at the first need.
-    qint64 m_checked = -1; ///< The row looked up whose records are known to exist.
+    qint64 m_checked = -1;             ///< The row looked up whose records are known to exist.
     std::vector<qint64> m_ids;
     qint64 m_cursorRow = -1; ///< The row whose values the cursor holds.
     qint64 m_lookedUp = -1;  ///< The row whose values the look-up holds.

@@ -44,7 +44,8 @@ QStringList Recordset::Private::existence() const
         const TableDef* table = database->schema.table(source.table);
         if (!table)
             fail(3078, source.table);
-        statements += u"SELECT 1 FROM %1 WHERE %2 = ?1"_s.arg(quoted(table->Name), quoted(table->rowIdColumn()));
+        statements += u"SELECT 1 FROM %1 WHERE %2 = ?1"_s.arg(quoted(table->Name),
+                                                              quoted(table->rowIdColumn()));
     }
     return statements;
 }
@@ -286,7 +287,8 @@ qint64 Recordset::RowId(int source) const
     return d->opened().rowId(source);
 }
 
-// --- Table type ------------------------------------------------------------------------------------
+// --- Table type
+// ------------------------------------------------------------------------------------
 
 QString Recordset::Index() const
 {

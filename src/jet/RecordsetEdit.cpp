@@ -278,7 +278,8 @@ qint64 Recordset::FieldSize(QStringView name) const
 {
     d->opened();
     const QVariant value = d->value(d->requireColumn(name));
-    return value.typeId() == QMetaType::QByteArray ? value.toByteArray().size() : value.toString().size();
+    return value.typeId() == QMetaType::QByteArray ? value.toByteArray().size()
+                                                   : value.toString().size();
 }
 
 } // namespace jet

@@ -31,8 +31,9 @@ bool Recordset::Private::findKeyed(const QString& condition)
     QStringList shown{quoted(table->rowIdColumn()) + u" AS \"_identifiant\""_s};
     for (const OutputColumn& column : columns)
         shown += u"%1 AS %2"_s.arg(quoted(column.column), quoted(column.name));
-    Statement search(database->store, u"SELECT \"_identifiant\" FROM (SELECT %1 FROM %2) AS x WHERE %3"_s.arg(
-                                          shown.join(u','), quoted(table->Name), condition));
+    Statement search(database->store,
+                     u"SELECT \"_identifiant\" FROM (SELECT %1 FROM %2) AS x WHERE %3"_s.arg(
+                         shown.join(u','), quoted(table->Name), condition));
     QSet<qint64> found;
     while (search.step())
         found.insert(search.int64(0));
@@ -75,7 +76,8 @@ void Recordset::FindFirst(const QString& criterion)
     if (rows.isBefore() && rows.isAfter())
         return;
     const auto showsColumn = [](const OutputColumn& column) { return column.source == 0; };
-    const bool plain = d->sources.size() == 1 && std::all_of(d->columns.cbegin(), d->columns.cend(), showsColumn);
+    const bool plain =
+        d->sources.size() == 1 && std::all_of(d->columns.cbegin(), d->columns.cend(), showsColumn);
     if (d->tableRows)
         d->noMatch = !d->tableRows->find(condition);
     else if (plain)

@@ -11,15 +11,17 @@ class TableRows;
 
 struct Recordset::Private : CursorHolder {
     Private(Database::Private& owner, const TableDef& table);
-    Private(Database::Private& owner, RecordsetType type, std::shared_ptr<const CompiledQuery> query);
+    Private(Database::Private& owner, RecordsetType type,
+            std::shared_ptr<const CompiledQuery> query);
     ~Private() override;
 
     void finishReading() override;
     void invalidate() override;
 
-    QStringList existence() const; ///< Statements that tell whether the record ?1 of a source exists.
+    QStringList
+    existence() const;      ///< Statements that tell whether the record ?1 of a source exists.
     RowSet& opened() const; ///< 3420 once closed.
-    int column(QStringView name) const; ///< -1 when absent.
+    int column(QStringView name) const;        ///< -1 when absent.
     int requireColumn(QStringView name) const; ///< 3265.
     QVariant value(int column) const;
 

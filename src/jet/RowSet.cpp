@@ -107,7 +107,8 @@ void ListRows::movePrevious()
 
 void ListRows::move(qint64 rows)
 {
-    if (rows == 0 || (rows > 0 && m_place == Place::After) || (rows < 0 && m_place == Place::Before)) {
+    if (rows == 0 || (rows > 0 && m_place == Place::After) ||
+        (rows < 0 && m_place == Place::Before)) {
         if (rows != 0)
             fail(3021);
         return requireRow();

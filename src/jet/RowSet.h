@@ -82,7 +82,7 @@ protected:
     virtual void closeGaps() {}
 
     bool isEmpty() override;
-    void restart(); ///< Nothing is known any more.
+    void restart();           ///< Nothing is known any more.
     bool isKnown(qint64 row); ///< Reads on as far as needed.
     void readAll();
     void standAt(qint64 row);

@@ -14,8 +14,7 @@ constexpr qsizetype spoolInMemory = 4 * 1024 * 1024;
 
 enum class Tag : char { Null, Bool, Int, Whole, Real, Text, Bytes, Moment };
 
-template <typename T>
-void put(QByteArray& bytes, Tag tag, const T& plain)
+template<typename T> void put(QByteArray& bytes, Tag tag, const T& plain)
 {
     bytes.append(char(tag));
     bytes.append(reinterpret_cast<const char*>(&plain), sizeof plain);
@@ -30,12 +29,24 @@ void putRun(QByteArray& bytes, Tag tag, const void* data, qsizetype size)
 void put(QByteArray& bytes, const QVariant& value)
 {
     switch (value.typeId()) {
-    case QMetaType::UnknownType: bytes.append(char(Tag::Null)); break;
-    case QMetaType::Bool: put(bytes, Tag::Bool, value.toBool()); break;
-    case QMetaType::Int: put(bytes, Tag::Int, value.toInt()); break;
-    case QMetaType::LongLong: put(bytes, Tag::Whole, value.toLongLong()); break;
-    case QMetaType::Double: put(bytes, Tag::Real, value.toDouble()); break;
-    case QMetaType::QDateTime: put(bytes, Tag::Moment, value.toDateTime().toMSecsSinceEpoch()); break;
+    case QMetaType::UnknownType:
+        bytes.append(char(Tag::Null));
+        break;
+    case QMetaType::Bool:
+        put(bytes, Tag::Bool, value.toBool());
+        break;
+    case QMetaType::Int:
+        put(bytes, Tag::Int, value.toInt());
+        break;
+    case QMetaType::LongLong:
+        put(bytes, Tag::Whole, value.toLongLong());
+        break;
+    case QMetaType::Double:
+        put(bytes, Tag::Real, value.toDouble());
+        break;
+    case QMetaType::QDateTime:
+        put(bytes, Tag::Moment, value.toDateTime().toMSecsSinceEpoch());
+        break;
     case QMetaType::QByteArray: {
         const QByteArray data = value.toByteArray();
         putRun(bytes, Tag::Bytes, data.constData(), data.size());
@@ -48,8 +59,7 @@ void put(QByteArray& bytes, const QVariant& value)
     }
 }
 
-template <typename T>
-T take(const char*& from)
+template<typename T> T take(const char*& from)
 {
     T plain;
     std::memcpy(&plain, from, sizeof plain);
@@ -77,14 +87,22 @@ QVariant takeBytes(const char*& from)
 QVariant take(const char*& from)
 {
     switch (Tag(*from++)) {
-    case Tag::Null: return {};
-    case Tag::Bool: return take<bool>(from);
-    case Tag::Int: return take<int>(from);
-    case Tag::Whole: return take<qint64>(from);
-    case Tag::Real: return take<double>(from);
-    case Tag::Text: return takeText(from);
-    case Tag::Bytes: return takeBytes(from);
-    case Tag::Moment: return QDateTime::fromMSecsSinceEpoch(take<qint64>(from));
+    case Tag::Null:
+        return {};
+    case Tag::Bool:
+        return take<bool>(from);
+    case Tag::Int:
+        return take<int>(from);
+    case Tag::Whole:
+        return take<qint64>(from);
+    case Tag::Real:
+        return take<double>(from);
+    case Tag::Text:
+        return takeText(from);
+    case Tag::Bytes:
+        return takeBytes(from);
+    case Tag::Moment:
+        return QDateTime::fromMSecsSinceEpoch(take<qint64>(from));
     }
     return {};
 }
@@ -121,7 +139,8 @@ void RowSpool::flush()
 void RowSpool::read(qint64 row, std::vector<QVariant>& values)
 {
     const qint64 start = m_starts[size_t(row)];
-    const qint64 end = size_t(row) + 1 < m_starts.size() ? m_starts[size_t(row) + 1] : m_flushed + m_tail.size();
+    const qint64 end =
+        size_t(row) + 1 < m_starts.size() ? m_starts[size_t(row) + 1] : m_flushed + m_tail.size();
     QByteArray stored;
     const char* from = m_tail.constData() + (start - m_flushed);
     if (start < m_flushed) {

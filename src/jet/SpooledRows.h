@@ -8,8 +8,8 @@
 
 namespace jet {
 
-/// Rows of values that can be read again. They stand in memory up to 4 MB, then in a temporary file;
-/// 8 bytes of memory remain for each row.
+/// Rows of values that can be read again. They stand in memory up to 4 MB, then in a temporary
+/// file; 8 bytes of memory remain for each row.
 class RowSpool {
 public:
     void clear();

@@ -11,7 +11,8 @@ constexpr size_t kept = 64;
 constexpr qsizetype longestKept = 8192;
 } // namespace
 
-std::shared_ptr<CachedStatement> StatementCache::statement(const QString& text, const Schema& schema)
+std::shared_ptr<CachedStatement> StatementCache::statement(const QString& text,
+                                                           const Schema& schema)
 {
     if (const auto found = m_byText.constFind(text); found != m_byText.cend()) {
         m_recent.splice(m_recent.begin(), m_recent, *found);

@@ -72,7 +72,8 @@ QString TableRows::conditions(Segment segment) const
     const Key& key = m_keys[size_t(segment.level - 1)];
     if (segment.kind == Segment::Null)
         parts += key.sql + u" IS NULL"_s;
-    else if (segment.kind == Segment::NotNull) // A lower bound, unlike IS NOT NULL, is looked up in an index of expressions.
+    else if (segment.kind == Segment::NotNull) // A lower bound, unlike IS NOT NULL, is looked up in
+                                               // an index of expressions.
         parts += key.sql + (isText(key.type) ? u" >= x''"_s : u" >= -9e999"_s);
     else
         parts += u"%1 %2 ?%3"_s.arg(key.sql, key.descending != m_backward ? u"<"_s : u">"_s,
@@ -99,7 +100,9 @@ Statement& TableRows::statement(Segment segment)
     if (segment.kind != Segment::All)
         sql += u" WHERE "_s + conditions(segment);
     const bool levelIsFixed = segment.kind == Segment::Equal || segment.kind == Segment::Null;
-    const int firstFree = segment.kind == Segment::All ? 0 : levelIsFixed ? segment.level : segment.level - 1;
+    const int firstFree = segment.kind == Segment::All ? 0
+                          : levelIsFixed               ? segment.level
+                                                       : segment.level - 1;
     const QString by = order(firstFree);
     if (!by.isEmpty())
         sql += u" ORDER BY "_s + by;
@@ -202,8 +205,9 @@ bool TableRows::readKeys()
             QStringList columns;
             for (size_t key = 0; key + 1 < m_keys.size(); ++key)
                 columns += m_keys[key].sql;
-            m_keyReader = Statement(m_store, u"SELECT %1 FROM %2 WHERE %3 = ?1"_s.arg(
-                                                 columns.join(u','), quoted(m_table.Name), m_rowIdSql));
+            m_keyReader =
+                Statement(m_store, u"SELECT %1 FROM %2 WHERE %3 = ?1"_s.arg(
+                                       columns.join(u','), quoted(m_table.Name), m_rowIdSql));
         }
         m_keyReader.bind(1, m_rowId);
         const bool found = m_keyReader.step();
@@ -275,7 +279,8 @@ bool TableRows::isEmpty()
     return !m_store.single(u"SELECT 1 FROM %1 LIMIT 1"_s.arg(quoted(m_table.Name))).isValid();
 }
 
-// --- Looking for a row -----------------------------------------------------------------------------
+// --- Looking for a row
+// -----------------------------------------------------------------------------
 
 bool TableRows::seek(Comparison comparison, const QVariantList& keys)
 {
@@ -351,8 +356,9 @@ QVariant TableRows::readLong(int column)
 {
     Statement& reader = m_longs[column];
     if (!reader)
-        reader = Statement(m_store, u"SELECT %1 FROM %2 WHERE %3 = ?1"_s.arg(
-                                        quoted(m_table.Fields[column].Name), quoted(m_table.Name), m_rowIdSql));
+        reader = Statement(
+            m_store, u"SELECT %1 FROM %2 WHERE %3 = ?1"_s.arg(quoted(m_table.Fields[column].Name),
+                                                              quoted(m_table.Name), m_rowIdSql));
     reader.bind(1, m_rowId);
     if (!reader.step())
         fail(3167, m_table.Name);

@@ -16,10 +16,11 @@ public:
 
     TableRows(Store& store, const TableDef& table);
 
-    /// The order from now on; nullptr gives the order of the row identifiers. Stands on the first row.
+    /// The order from now on; nullptr gives the order of the row identifiers. Stands on the first
+    /// row.
     void setIndex(const Index* index);
-    /// Stands on the first row (the last one for "<" and "<=") that compares so with the keys in the
-    /// order of the index; false when there is none, and then on no row.
+    /// Stands on the first row (the last one for "<" and "<=") that compares so with the keys in
+    /// the order of the index; false when there is none, and then on no row.
     bool seek(Comparison comparison, const QVariantList& keys);
     /// Stands on the first row for which the condition, written on columns `x."Name"`, holds.
     bool find(const QString& condition);
@@ -50,8 +51,8 @@ private:
         DataType type = DataType::Long;
         bool descending = false;
     };
-    /// A run of rows within the order, reached by one statement: those with the keys before `level` as given, and
-    /// the key at `level` equal to, beyond, without regard to (NotNull) or Null.
+    /// A run of rows within the order, reached by one statement: those with the keys before `level`
+    /// as given, and the key at `level` equal to, beyond, without regard to (NotNull) or Null.
     struct Segment {
         enum Kind { All, Equal, Beyond, NotNull, Null } kind;
         int level;
@@ -61,7 +62,8 @@ private:
     QString conditions(Segment segment) const;
     QString order(int fromKey) const;
     void bindKeys(Statement& statement, Segment segment);
-    void addBeyond(int level); ///< To m_pending: the runs behind the first `level` keys, nearest first.
+    void
+    addBeyond(int level); ///< To m_pending: the runs behind the first `level` keys, nearest first.
     void addBeyondKey(int level);
     bool enterNext();
     void start(bool backward, QVariantList keys, std::vector<Segment> segments);
@@ -72,8 +74,8 @@ private:
 
     TableDef m_table;
     QString m_rowIdSql;
-    QString m_columnsSql;             ///< All columns but long binary ones, the row identifier first.
-    std::vector<int> m_columnPlaces;  ///< Of each column in there; -1 for a long binary one.
+    QString m_columnsSql; ///< All columns but long binary ones, the row identifier first.
+    std::vector<int> m_columnPlaces; ///< Of each column in there; -1 for a long binary one.
     std::vector<Key> m_keys;
     std::map<int, Statement> m_statements; ///< By segment and direction, of the current order.
     std::map<int, Statement> m_longs;      ///< Readers of long binary columns.

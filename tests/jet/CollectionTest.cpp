@@ -1,4 +1,5 @@
-// Every statement of the program, run on the tables of a project. The cases stand in statements/collection.txt.
+// Every statement of the program, run on the tables of a project. The cases stand in
+// statements/collection.txt.
 #include "Collection.h"
 #include "EngineFixture.h"
 #include "ProjectTables.h"
@@ -10,7 +11,8 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(folder.isValid());
-        db = jet::Database::Create(folder.filePath(u"projet.hbx"_s), u";LANGID=0x0409;CP=1252;COUNTRY=0"_s);
+        db = jet::Database::Create(folder.filePath(u"projet.hbx"_s),
+                                   u";LANGID=0x0409;CP=1252;COUNTRY=0"_s);
         makeProjectTables(*db);
     }
 
@@ -45,10 +47,11 @@ TEST_F(CollectionTest, EveryStatementOfTheProgramGivesWhatItShould)
     for (const CollectedStatement& expected : collection) {
         lastError.clear();
         const CollectedStatement got = run(expected);
-        const bool met = (expected.outcome == Outcome::Unsaid || got.outcome == expected.outcome)
-                         && (expected.number < 0 || got.number == expected.number);
-        EXPECT_TRUE(met) << "collection.txt:" << expected.line << ": " << expected.name.toStdString() << "\n  "
-                         << expected.text.toStdString() << "\n  gave " << int(got.outcome) << ' ' << got.number << ' '
+        const bool met = (expected.outcome == Outcome::Unsaid || got.outcome == expected.outcome) &&
+                         (expected.number < 0 || got.number == expected.number);
+        EXPECT_TRUE(met) << "collection.txt:" << expected.line << ": "
+                         << expected.name.toStdString() << "\n  " << expected.text.toStdString()
+                         << "\n  gave " << int(got.outcome) << ' ' << got.number << ' '
                          << lastError.toStdString();
     }
     EXPECT_EQ(db->Check(), QStringList());

@@ -12,8 +12,7 @@
 using namespace Qt::StringLiterals;
 
 /// The number of the engine's error that `work` fails with; 0 when it does not fail.
-template <typename Work>
-int errorOf(Work&& work)
+template<typename Work> int errorOf(Work&& work)
 {
     try {
         work();
@@ -28,7 +27,8 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(folder.isValid());
-        db = jet::Database::Create(folder.filePath(u"essai.hbx"_s), u";LANGID=0x0409;CP=1252;COUNTRY=0"_s);
+        db = jet::Database::Create(folder.filePath(u"essai.hbx"_s),
+                                   u";LANGID=0x0409;CP=1252;COUNTRY=0"_s);
         db->AppendTable(taxa());
         db->AppendTable(plants());
     }
@@ -49,7 +49,8 @@ protected:
         return made;
     }
 
-    static jet::Index index(const QString& name, const QList<jet::IndexField>& fields, bool unique = false)
+    static jet::Index index(const QString& name, const QList<jet::IndexField>& fields,
+                            bool unique = false)
     {
         jet::Index made;
         made.Name = name;
@@ -70,11 +71,13 @@ protected:
         using enum jet::DataType;
         jet::TableDef table;
         table.Name = u"Taxons"_s;
-        table.Fields = {counter(u"ID Taxons"_s), field(u"Nom"_s, Text, 60), field(u"Auteurs"_s, Text, 60),
-                        field(u"Rang"_s, Long),   field(u"Valide"_s, Boolean), field(u"Altitude"_s, Double),
-                        field(u"Décrit"_s, Date), field(u"Notes"_s, Memo),     field(u"Photo"_s, LongBinary)};
+        table.Fields = {
+            counter(u"ID Taxons"_s),  field(u"Nom"_s, Text, 60),   field(u"Auteurs"_s, Text, 60),
+            field(u"Rang"_s, Long),   field(u"Valide"_s, Boolean), field(u"Altitude"_s, Double),
+            field(u"Décrit"_s, Date), field(u"Notes"_s, Memo),     field(u"Photo"_s, LongBinary)};
         table.Fields[1].Required = true;
-        table.Indexes = {primary(u"ID Taxons"_s), index(u"Unique"_s, {{u"Nom"_s}, {u"Auteurs"_s}}, true),
+        table.Indexes = {primary(u"ID Taxons"_s),
+                         index(u"Unique"_s, {{u"Nom"_s}, {u"Auteurs"_s}}, true),
                          index(u"Rang"_s, {{u"Rang"_s, true}, {u"Nom"_s}})};
         return table;
     }
@@ -84,7 +87,8 @@ protected:
         using enum jet::DataType;
         jet::TableDef table;
         table.Name = u"Individus"_s;
-        table.Fields = {counter(u"ID Individus"_s), field(u"Numéro"_s, Text, 20), field(u"ID Taxons"_s, Long)};
+        table.Fields = {counter(u"ID Individus"_s), field(u"Numéro"_s, Text, 20),
+                        field(u"ID Taxons"_s, Long)};
         table.Indexes = {primary(u"ID Individus"_s), index(u"ID Taxons"_s, {{u"ID Taxons"_s}})};
         return table;
     }

@@ -9,15 +9,16 @@ namespace {
 
 using jet::DataType;
 
-/// "t50 Nom": a letter for the type (c counter, t text with its width, m memo, l long, i integer, d double,
-/// b yes/no, o long binary), "!" when required, then the name.
+/// "t50 Nom": a letter for the type (c counter, t text with its width, m memo, l long, i integer, d
+/// double, b yes/no, o long binary), "!" when required, then the name.
 jet::Field fieldOf(const QString& definition)
 {
     const qsizetype blank = definition.indexOf(u' ');
     const QString kind = definition.first(blank);
     const QString types = u"ctmlidbo"_s;
-    constexpr DataType values[] = {DataType::Long,    DataType::Text,   DataType::Memo,    DataType::Long,
-                                   DataType::Integer, DataType::Double, DataType::Boolean, DataType::LongBinary};
+    constexpr DataType values[] = {DataType::Long,    DataType::Text,      DataType::Memo,
+                                   DataType::Long,    DataType::Integer,   DataType::Double,
+                                   DataType::Boolean, DataType::LongBinary};
     jet::Field field;
     field.Name = definition.sliced(blank + 1);
     field.Type = values[types.indexOf(kind.front())];
@@ -40,7 +41,8 @@ jet::Index indexOf(const QString& definition)
     return index;
 }
 
-void append(jet::Database& database, const QString& name, const QStringList& fields, const QStringList& indexes)
+void append(jet::Database& database, const QString& name, const QStringList& fields,
+            const QStringList& indexes)
 {
     jet::TableDef table;
     table.Name = name;
@@ -56,39 +58,49 @@ const QStringList stamps{u"t30 DateCreate"_s, u"t30 DateModify"_s};
 void appendCore(jet::Database& database)
 {
     append(database, u"PGTableDefs"_s,
-           {u"c ID Def"_s, u"t50! Type"_s, u"i Index"_s, u"t50! Table"_s, u"t255 Validation"_s, u"t50! NomModule"_s,
-            u"t50 NomObjet"_s, u"t50 Version"_s, u"o Icon"_s, u"l Flags"_s, u"t255 TextHelp"_s,
-            u"t50 ModuleConnexion"_s},
+           {u"c ID Def"_s, u"t50! Type"_s, u"i Index"_s, u"t50! Table"_s, u"t255 Validation"_s,
+            u"t50! NomModule"_s, u"t50 NomObjet"_s, u"t50 Version"_s, u"o Icon"_s, u"l Flags"_s,
+            u"t255 TextHelp"_s, u"t50 ModuleConnexion"_s},
            {u"!Unique: Type, NomModule, Table"_s});
-    append(database, u"Propriétés"_s,
-           QStringList{u"c ID Prop"_s, u"t50 Objet"_s, u"t30 Module"_s, u"t100 Nom"_s, u"m Value"_s} + stamps,
-           {u"*PrimaryKey: ID Prop"_s, u"!Unique: Objet, Module, Nom"_s});
+    append(
+        database, u"Propriétés"_s,
+        QStringList{u"c ID Prop"_s, u"t50 Objet"_s, u"t30 Module"_s, u"t100 Nom"_s, u"m Value"_s} +
+            stamps,
+        {u"*PrimaryKey: ID Prop"_s, u"!Unique: Objet, Module, Nom"_s});
     append(database, u"Collecteurs"_s,
-           QStringList{u"c ID Collecteurs"_s, u"t255! Collecteur"_s, u"t50! Initiales"_s, u"b Bot"_s,
-                       u"t30 Organisme"_s} + stamps,
+           QStringList{u"c ID Collecteurs"_s, u"t255! Collecteur"_s, u"t50! Initiales"_s,
+                       u"b Bot"_s, u"t30 Organisme"_s} +
+               stamps,
            {u"*PrimaryKey: ID Collecteurs"_s, u"!Unique: Collecteur"_s});
     append(database, u"Localités"_s,
-           QStringList{u"c ID Localités"_s, u"t255! Localité"_s, u"d! LongDD"_s, u"d! LatDD"_s, u"d Altitude"_s,
-                       u"t255 CodeRegion"_s, u"t255 ImageRegion"_s, u"t20 GPSRef"_s, u"l! ID Type"_s,
-                       u"t255 Nom Entier"_s} + stamps,
+           QStringList{u"c ID Localités"_s, u"t255! Localité"_s, u"d! LongDD"_s, u"d! LatDD"_s,
+                       u"d Altitude"_s, u"t255 CodeRegion"_s, u"t255 ImageRegion"_s,
+                       u"t20 GPSRef"_s, u"l! ID Type"_s, u"t255 Nom Entier"_s} +
+               stamps,
            {u"*PrimaryKey: ID Localités"_s, u"CodeRegion: CodeRegion"_s});
-    append(database, u"Taxons"_s,
-           QStringList{u"c ID Taxons"_s, u"t255! Taxon"_s, u"l ID Famille"_s, u"l ID Genre"_s, u"l ID Espèce"_s,
-                       u"l ID Infra"_s, u"l ID Valid"_s, u"t255 Auteurs"_s, u"t30 DateOriginal"_s, u"m Commentaire"_s,
-                       u"t255 Nom Complet"_s, u"t255 AuteurSynonymie"_s, u"t30 DateSynonymie"_s} + stamps,
-           {u"*PrimaryKey: ID Taxons"_s, u"!Unique: Nom Complet, Auteurs"_s, u"ID Genre: ID Genre"_s});
+    append(
+        database, u"Taxons"_s,
+        QStringList{u"c ID Taxons"_s, u"t255! Taxon"_s, u"l ID Famille"_s, u"l ID Genre"_s,
+                    u"l ID Espèce"_s, u"l ID Infra"_s, u"l ID Valid"_s, u"t255 Auteurs"_s,
+                    u"t30 DateOriginal"_s, u"m Commentaire"_s, u"t255 Nom Complet"_s,
+                    u"t255 AuteurSynonymie"_s, u"t30 DateSynonymie"_s} +
+            stamps,
+        {u"*PrimaryKey: ID Taxons"_s, u"!Unique: Nom Complet, Auteurs"_s, u"ID Genre: ID Genre"_s});
 }
 
 void appendModules(jet::Database& database)
 {
     const QStringList common = QStringList{u"t50 KeyParent"_s, u"b Locked"_s} + stamps;
     append(database, u"Individus"_s,
-           QStringList{u"c ID Individus"_s, u"t50 Numéro"_s, u"l ID Collecteurs"_s, u"t30 DateRécolte"_s,
-                       u"l ID Localités"_s, u"d Longitude"_s, u"d Latitude"_s, u"d Altitude"_s, u"m Habitat"_s,
-                       u"m Description"_s, u"t255 Herbier"_s, u"l ID Déterminations"_s} + common,
+           QStringList{u"c ID Individus"_s, u"t50 Numéro"_s, u"l ID Collecteurs"_s,
+                       u"t30 DateRécolte"_s, u"l ID Localités"_s, u"d Longitude"_s, u"d Latitude"_s,
+                       u"d Altitude"_s, u"m Habitat"_s, u"m Description"_s, u"t255 Herbier"_s,
+                       u"l ID Déterminations"_s} +
+               common,
            {u"*PrimaryKey: ID Individus"_s});
     const auto module = [&](const QString& name, const QStringList& fields) {
-        append(database, name, QStringList{u"c ID "_s + name, u"l! ID Individus"_s} + fields + common,
+        append(database, name,
+               QStringList{u"c ID "_s + name, u"l! ID Individus"_s} + fields + common,
                {u"*PrimaryKey: ID "_s + name, u"ID Individus: ID Individus"_s});
         jet::Relation relation;
         relation.Name = u"Individus"_s + name;
@@ -98,14 +110,16 @@ void appendModules(jet::Database& database)
         relation.DeleteCascade = true;
         database.AppendRelation(relation);
     };
-    module(u"Déterminations"_s, {u"l! ID Taxons"_s, u"l ID Collecteurs"_s, u"t30 DateDétermination"_s, u"t50 Réserve"_s,
-                                 u"m Commentaire"_s});
-    module(u"Images"_s, {u"t255! Fichier"_s, u"t255 Légende"_s, u"l ID Collecteurs"_s, u"t30 DatePrise"_s});
-    module(u"Mesures"_s, {u"t50 Méthode"_s, u"t255 Organes"_s, u"b Complet"_s, u"d Hauteur"_s, u"d Diamètre"_s,
-                          u"l NombreMesures"_s, u"l ID Taxons"_s});
+    module(u"Déterminations"_s, {u"l! ID Taxons"_s, u"l ID Collecteurs"_s,
+                                 u"t30 DateDétermination"_s, u"t50 Réserve"_s, u"m Commentaire"_s});
+    module(u"Images"_s,
+           {u"t255! Fichier"_s, u"t255 Légende"_s, u"l ID Collecteurs"_s, u"t30 DatePrise"_s});
+    module(u"Mesures"_s, {u"t50 Méthode"_s, u"t255 Organes"_s, u"b Complet"_s, u"d Hauteur"_s,
+                          u"d Diamètre"_s, u"l NombreMesures"_s, u"l ID Taxons"_s});
 }
 
-/// Families 1 and 2; genus 3 of family 1 with species 4 to 7, of which 7 has the subspecies 8 and 6 is a synonym of 5.
+/// Families 1 and 2; genus 3 of family 1 with species 4 to 7, of which 7 has the subspecies 8 and 6
+/// is a synonym of 5.
 void fillReference(jet::Database& database)
 {
     const QStringList taxa{u"\"Rosaceae\", 1, Null, Null, Null, Null, \"Juss.\""_s,
@@ -117,16 +131,22 @@ void fillReference(jet::Database& database)
                            u"\"alba\", 1, 3, 7, Null, Null, \"L.\""_s,
                            u"\"var. alba\", 1, 3, 7, 8, Null, Null"_s};
     for (const QString& taxon : taxa)
-        database.Execute(u"INSERT INTO Taxons (Taxon, [ID Famille], [ID Genre], [ID Espèce], [ID Infra], [ID Valid], "
+        database.Execute(u"INSERT INTO Taxons (Taxon, [ID Famille], [ID Genre], [ID Espèce], [ID "
+                         u"Infra], [ID Valid], "
                          u"Auteurs) VALUES (%1)"_s.arg(taxon));
     database.Execute(u"UPDATE Taxons SET [Nom Complet]=Trim$(Taxon) & \" \" & [ID Taxons]"_s);
     for (const QString& name : {u"Dupont"_s, u"Duval"_s, u"Vuillemin"_s, u"Zimmer"_s})
-        database.Execute(u"INSERT INTO Collecteurs (Collecteur, Initiales, Bot) VALUES (\"%1\", \"%1\", True)"_s.arg(name));
-    const QStringList places{u"\"Europe\", \"1\""_s, u"\"Asie\", \"2\""_s, u"\"Monde\", \"3\""_s, u"\"France\", \"3/4\""_s,
-                             u"\"Montagne\", \"3/7/5\""_s, u"\"Plaine\", \"1/6\""_s, u"\"Alpes\", \"3/7\""_s};
+        database.Execute(
+            u"INSERT INTO Collecteurs (Collecteur, Initiales, Bot) VALUES (\"%1\", \"%1\", True)"_s
+                .arg(name));
+    const QStringList places{u"\"Europe\", \"1\""_s,       u"\"Asie\", \"2\""_s,
+                             u"\"Monde\", \"3\""_s,        u"\"France\", \"3/4\""_s,
+                             u"\"Montagne\", \"3/7/5\""_s, u"\"Plaine\", \"1/6\""_s,
+                             u"\"Alpes\", \"3/7\""_s};
     for (const QString& place : places)
-        database.Execute(u"INSERT INTO Localités (Localité, CodeRegion, LongDD, LatDD, [ID Type]) VALUES (%1, 6.5, 45, 2)"_s
-                             .arg(place));
+        database.Execute(
+            u"INSERT INTO Localités (Localité, CodeRegion, LongDD, LatDD, [ID Type]) VALUES (%1, 6.5, 45, 2)"_s
+                .arg(place));
 }
 
 void fillModules(jet::Database& database)
@@ -134,16 +154,22 @@ void fillModules(jet::Database& database)
     for (int number = 1; number <= 12; ++number) {
         const QString id = QString::number(number);
         const QString other = QString::number(number % 4 + 1);
-        database.Execute(u"INSERT INTO Individus ([Numéro], [ID Collecteurs], [DateRécolte], [ID Localités], Altitude, "
-                         u"Habitat, Herbier, [ID Déterminations]) VALUES (\"N%1\", %2, \"1999/05/01\", %2, %1*100, "
+        database.Execute(u"INSERT INTO Individus ([Numéro], [ID Collecteurs], [DateRécolte], [ID "
+                         u"Localités], Altitude, "
+                         u"Habitat, Herbier, [ID Déterminations]) VALUES (\"N%1\", %2, "
+                         u"\"1999/05/01\", %2, %1*100, "
                          u"\"rocher %1\", \"MPU;P\", %1)"_s.arg(id, other));
-        database.Execute(u"INSERT INTO Déterminations ([ID Individus], [ID Taxons], [DateDétermination], [Réserve]) "
+        database.Execute(u"INSERT INTO Déterminations ([ID Individus], [ID Taxons], "
+                         u"[DateDétermination], [Réserve]) "
                          u"VALUES (%1, %2+3, \"2006/03/12\", \"cf.\")"_s.arg(id, other));
-        database.Execute(u"INSERT INTO Images ([ID Individus], Fichier, KeyParent) VALUES (%1, \"%1.jpg\", "
-                         u"\"%2-Déterminations\")"_s.arg(id, QString::number(number * 2)));
-        database.Execute(u"INSERT INTO Mesures ([ID Individus], [Méthode], Organes, Hauteur, [Diamètre], [ID Taxons], "
-                         u"KeyParent) VALUES (%1, \"Échantillon de bois\", \"tronc;bois\", %1.5, 41, 4, "
-                         u"\"1-Déterminations\")"_s.arg(id));
+        database.Execute(
+            u"INSERT INTO Images ([ID Individus], Fichier, KeyParent) VALUES (%1, \"%1.jpg\", "
+            u"\"%2-Déterminations\")"_s.arg(id, QString::number(number * 2)));
+        database.Execute(
+            u"INSERT INTO Mesures ([ID Individus], [Méthode], Organes, Hauteur, [Diamètre], [ID "
+            u"Taxons], "
+            u"KeyParent) VALUES (%1, \"Échantillon de bois\", \"tronc;bois\", %1.5, 41, 4, "
+            u"\"1-Déterminations\")"_s.arg(id));
     }
     database.Execute(u"INSERT INTO Déterminations ([ID Individus], [ID Taxons]) VALUES (1, 5)"_s);
 }

@@ -5,6 +5,6 @@ namespace jet {
 class Database;
 }
 
-/// Core tables, Individus, Déterminations, Images and Mesures, with their indexes and relations, and
-/// a dozen plants with what belongs to them.
+/// Core tables, Individus, Déterminations, Images and Mesures, with their indexes and relations,
+/// and a dozen plants with what belongs to them.
 void makeProjectTables(jet::Database& database);

@@ -21,7 +21,10 @@ void PrintTo(const PositionCase& c, std::ostream* out)
 
 class Positions : public EngineFixture, public ::testing::WithParamInterface<PositionCase> {
 protected:
-    std::unique_ptr<jet::Recordset> open() { return db->OpenRecordset(GetParam().source, GetParam().type); }
+    std::unique_ptr<jet::Recordset> open()
+    {
+        return db->OpenRecordset(GetParam().source, GetParam().type);
+    }
 };
 
 TEST_P(Positions, FollowTheRulesOfBothEnds)
@@ -78,10 +81,11 @@ TEST_P(Positions, AreLostWithTheDatabase)
 
 INSTANTIATE_TEST_SUITE_P(
     AllKinds, Positions,
-    ::testing::Values(PositionCase{"table", u"Taxons"_s, RecordsetType::Table},
-                      PositionCase{"dynaset", u"Taxons"_s, RecordsetType::Dynaset},
-                      PositionCase{"ordered", u"SELECT Nom FROM Taxons ORDER BY Nom"_s, RecordsetType::Dynaset},
-                      PositionCase{"distinct", u"SELECT DISTINCT Nom FROM Taxons"_s, RecordsetType::Snapshot}),
+    ::testing::Values(
+        PositionCase{"table", u"Taxons"_s, RecordsetType::Table},
+        PositionCase{"dynaset", u"Taxons"_s, RecordsetType::Dynaset},
+        PositionCase{"ordered", u"SELECT Nom FROM Taxons ORDER BY Nom"_s, RecordsetType::Dynaset},
+        PositionCase{"distinct", u"SELECT DISTINCT Nom FROM Taxons"_s, RecordsetType::Snapshot}),
     [](const auto& info) { return std::string(info.param.name); });
 
 class RecordsetTest : public EngineFixture {
@@ -177,8 +181,9 @@ TEST_F(RecordsetTest, EditsThroughAJoinReachTheTableOfEachColumn)
     addNames({u"Carex"_s, u"Draba"_s});
     addPlant(u"P1"_s, 1);
     addPlant(u"P2"_s, QVariant());
-    const auto rows = db->OpenRecordset(u"SELECT [Numéro], Nom, Rang, Len(Nom) AS Longueur FROM Individus LEFT JOIN "
-                                        u"Taxons ON Individus.[ID Taxons]=Taxons.[ID Taxons]"_s);
+    const auto rows = db->OpenRecordset(
+        u"SELECT [Numéro], Nom, Rang, Len(Nom) AS Longueur FROM Individus LEFT JOIN "
+        u"Taxons ON Individus.[ID Taxons]=Taxons.[ID Taxons]"_s);
     ASSERT_TRUE(rows->Updatable());
     rows->Edit();
     EXPECT_EQ(errorOf([&] { rows->SetValue(u"Longueur", 3); }), 3326);
@@ -230,8 +235,9 @@ TEST_F(RecordsetTest, ARowOfAJoinSaysWhichRecordIsGone)
     addNames({u"Carex"_s});
     addPlant(u"P1"_s, 1);
     addPlant(u"P2"_s, QVariant());
-    const auto rows = db->OpenRecordset(u"SELECT [Numéro], Nom, Auteurs FROM Individus LEFT JOIN Taxons ON "
-                                        u"Individus.[ID Taxons]=Taxons.[ID Taxons] ORDER BY [Numéro]"_s);
+    const auto rows =
+        db->OpenRecordset(u"SELECT [Numéro], Nom, Auteurs FROM Individus LEFT JOIN Taxons ON "
+                          u"Individus.[ID Taxons]=Taxons.[ID Taxons] ORDER BY [Numéro]"_s);
     EXPECT_FALSE(rows->Value(u"Auteurs").isValid()) << "Null, and the record is there";
     db->Execute(u"DELETE * FROM Taxons"_s);
     EXPECT_EQ(rows->Value(u"Numéro"), u"P1"_s);
@@ -332,17 +338,23 @@ TEST_F(RecordsetTest, ValuesThatDoNotFitAreRefusedAtAssignment)
         int error;
     };
     const QList<Case> cases = {
-        {u"Rang"_s, u"douze"_s, 3421},     {u"Rang"_s, 3e9, 3421},
-        {u"Rang"_s, QByteArray("x"), 3421}, {u"Décrit"_s, u"hier"_s, 3421},
-        {u"Photo"_s, u"texte"_s, 3421},     {u"Nom"_s, QString(61, u'x'), 3163},
-        {u"Nom"_s, QString(60, u'x'), 0},   {u"Rang"_s, u" 12 "_s, 0},
-        {u"Décrit"_s, u"1/5/1753"_s, 0},    {u"Valide"_s, u"Vrai"_s, 0},
+        {u"Rang"_s, u"douze"_s, 3421},
+        {u"Rang"_s, 3e9, 3421},
+        {u"Rang"_s, QByteArray("x"), 3421},
+        {u"Décrit"_s, u"hier"_s, 3421},
+        {u"Photo"_s, u"texte"_s, 3421},
+        {u"Nom"_s, QString(61, u'x'), 3163},
+        {u"Nom"_s, QString(60, u'x'), 0},
+        {u"Rang"_s, u" 12 "_s, 0},
+        {u"Décrit"_s, u"1/5/1753"_s, 0},
+        {u"Valide"_s, u"Vrai"_s, 0},
         {u"Absent"_s, 1, 3265},
     };
     const auto rows = db->OpenRecordset(u"Taxons"_s);
     rows->AddNew();
     for (const Case& c : cases)
-        EXPECT_EQ(errorOf([&] { rows->SetValue(c.column, c.value); }), c.error) << c.column.toStdString();
+        EXPECT_EQ(errorOf([&] { rows->SetValue(c.column, c.value); }), c.error)
+            << c.column.toStdString();
 }
 
 TEST_F(RecordsetTest, LongValuesGrowInPieces)
@@ -370,7 +382,8 @@ TEST_F(RecordsetTest, LongValuesGrowInPieces)
               3251);
 }
 
-// --- Seek ------------------------------------------------------------------------------------------
+// --- Seek
+// ------------------------------------------------------------------------------------------
 
 TEST_F(RecordsetTest, SeekComparesAsTheIndexDoes)
 {
@@ -406,7 +419,9 @@ TEST_F(RecordsetTest, SeekComparesAsTheIndexDoes)
         ASSERT_EQ(rows->NoMatch(), c.found.isEmpty()) << what.toStdString();
         if (rows->NoMatch())
             continue;
-        EXPECT_EQ(QString(rows->Value(u"Nom").toString() + u' ' + rows->Value(u"Auteurs").toString()), c.found)
+        EXPECT_EQ(
+            QString(rows->Value(u"Nom").toString() + u' ' + rows->Value(u"Auteurs").toString()),
+            c.found)
             << what.toStdString();
     }
     rows->Seek(u">="_s, {u"carex"_s, u"m"_s});
@@ -431,18 +446,20 @@ TEST_F(RecordsetTest, SeekNeedsATableAnIndexAndItsKeys)
     EXPECT_EQ(errorOf([&] { db->OpenRecordset(u"Absente"_s, RecordsetType::Table); }), 3078);
 }
 
-/// Random steps through an index with Nulls, equal keys and a descending column stand where the same
-/// steps through the sorted list stand, whatever is read or written in between.
+/// Random steps through an index with Nulls, equal keys and a descending column stand where the
+/// same steps through the sorted list stand, whatever is read or written in between.
 TEST_F(RecordsetTest, WalkingAnIndexFollowsItsOrderBothWays)
 {
     QRandomGenerator random(7);
     jet::Operation operation(*db, u"essai"_s);
     for (int number = 0; number < 40; ++number) {
         const QVariant rank = random.bounded(4) == 0 ? QVariant() : QVariant(random.bounded(5));
-        addTaxon(u"%1%2"_s.arg(QChar(u"aéEbz"[random.bounded(5)])).arg(number % 3), u"A%1"_s.arg(number), rank);
+        addTaxon(u"%1%2"_s.arg(QChar(u"aéEbz"[random.bounded(5)])).arg(number % 3),
+                 u"A%1"_s.arg(number), rank);
     }
     // Null stands before every number, so last in a descending order.
-    const auto list = db->OpenRecordset(u"SELECT [ID Taxons] FROM Taxons ORDER BY Rang DESC, Nom, [ID Taxons]"_s);
+    const auto list =
+        db->OpenRecordset(u"SELECT [ID Taxons] FROM Taxons ORDER BY Rang DESC, Nom, [ID Taxons]"_s);
     list->MoveLast();
     const auto rows = db->OpenRecordset(u"Taxons"_s, RecordsetType::Table);
     rows->SetIndex(u"Rang"_s);
@@ -479,7 +496,8 @@ TEST_F(RecordsetTest, FindFirstTakesAConditionOfTheDialect)
     const QList<Case> sources = {
         {u"Taxons"_s, RecordsetType::Table},
         {u"Taxons"_s, RecordsetType::Dynaset},
-        {u"SELECT [ID Taxons], Nom, Rang+0 AS Rang FROM Taxons ORDER BY Nom"_s, RecordsetType::Dynaset},
+        {u"SELECT [ID Taxons], Nom, Rang+0 AS Rang FROM Taxons ORDER BY Nom"_s,
+         RecordsetType::Dynaset},
         {u"SELECT DISTINCT [ID Taxons], Nom, Rang FROM Taxons"_s, RecordsetType::Snapshot},
     };
     for (const Case& c : sources) {
@@ -496,7 +514,8 @@ TEST_F(RecordsetTest, FindFirstTakesAConditionOfTheDialect)
     }
 }
 
-// --- Many rows ---------------------------------------------------------------------------------------
+// --- Many rows
+// ---------------------------------------------------------------------------------------
 
 TEST_F(RecordsetTest, PagesOfRowsComeFromAnywhere)
 {
@@ -504,8 +523,9 @@ TEST_F(RecordsetTest, PagesOfRowsComeFromAnywhere)
     for (int number = 0; number < 300; ++number)
         addPlant(u"P%1"_s.arg(number), number);
     operation.commit();
-    for (const QString& source : {u"Individus"_s, u"SELECT * FROM Individus ORDER BY [ID Taxons]"_s,
-                                  u"SELECT DISTINCT [ID Individus], [Numéro], [ID Taxons] FROM Individus"_s}) {
+    for (const QString& source :
+         {u"Individus"_s, u"SELECT * FROM Individus ORDER BY [ID Taxons]"_s,
+          u"SELECT DISTINCT [ID Individus], [Numéro], [ID Taxons] FROM Individus"_s}) {
         const auto rows = db->OpenRecordset(source);
         for (const int start : {250, 0, 100, 290}) {
             rows->SetAbsolutePosition(start);
@@ -529,7 +549,8 @@ TEST_F(RecordsetTest, RowsThatOutgrowMemoryComeBack)
         taxa->Update();
     }
     operation.commit();
-    const auto rows = db->OpenRecordset(u"SELECT Rang, Notes FROM Taxons UNION ALL SELECT 1, Nom FROM Taxons"_s);
+    const auto rows =
+        db->OpenRecordset(u"SELECT Rang, Notes FROM Taxons UNION ALL SELECT 1, Nom FROM Taxons"_s);
     rows->MoveLast();
     EXPECT_EQ(rows->RecordCount(), 600);
     for (const int row : {0, 299, 130, 299, 3}) {

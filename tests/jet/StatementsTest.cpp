@@ -38,7 +38,10 @@ TEST_F(StatementsTest, ExecuteCountsTheRecordsAffected)
     EXPECT_EQ(db->Execute(u"UPDATE Taxons SET Rang=9 WHERE Rang=1"_s), 2);
     EXPECT_EQ(db->RecordsAffected(), 2);
     EXPECT_EQ(db->Execute(u"DELETE * FROM Individus WHERE [ID Taxons] Is Null"_s), 1);
-    EXPECT_EQ(db->Execute(u"INSERT INTO Individus ([Numéro], [ID Taxons]) SELECT Nom, [ID Taxons] FROM Taxons"_s), 5);
+    EXPECT_EQ(
+        db->Execute(
+            u"INSERT INTO Individus ([Numéro], [ID Taxons]) SELECT Nom, [ID Taxons] FROM Taxons"_s),
+        5);
     EXPECT_EQ(db->Execute(u"UPDATE Taxons SET Rang=1 WHERE False"_s), 0);
     EXPECT_EQ(db->RecordsAffected(), 0);
 }
@@ -47,10 +50,15 @@ TEST_F(StatementsTest, ExecuteRunsWholeOrNotAtAll)
 {
     fill();
     const QStringList before = rowsOf(u"SELECT Nom, Auteurs, Rang FROM Taxons"_s);
-    EXPECT_EQ(errorOf([&] { db->Execute(u"UPDATE Taxons SET Rang=Rang+1, Nom=IIf(Nom=\"Erica\",Null,Nom)"_s); }), 3314);
-    EXPECT_EQ(errorOf([&] { db->Execute(u"UPDATE Taxons SET Nom=\"Carex\", Auteurs=\"L.\""_s); }), 3022);
     EXPECT_EQ(errorOf([&] {
-                  db->Execute(u"INSERT INTO Taxons (Nom, Auteurs) SELECT IIf([ID Taxons]=4,\"carex\",\"n\" & Nom), "
+                  db->Execute(u"UPDATE Taxons SET Rang=Rang+1, Nom=IIf(Nom=\"Erica\",Null,Nom)"_s);
+              }),
+              3314);
+    EXPECT_EQ(errorOf([&] { db->Execute(u"UPDATE Taxons SET Nom=\"Carex\", Auteurs=\"L.\""_s); }),
+              3022);
+    EXPECT_EQ(errorOf([&] {
+                  db->Execute(u"INSERT INTO Taxons (Nom, Auteurs) SELECT IIf([ID "
+                              u"Taxons]=4,\"carex\",\"n\" & Nom), "
                               u"IIf([ID Taxons]=4,\"l. \",Auteurs) FROM Taxons"_s);
               }),
               3022);
@@ -71,7 +79,8 @@ TEST_F(StatementsTest, StoredQueriesRunByName)
 {
     fill();
     db->CreateQueryDef(u"Vider les plantes"_s, u"DELETE * FROM Individus WHERE [ID Taxons]=1"_s);
-    db->CreateQueryDef(u"Taxons de rang 2"_s, u"SELECT Nom, Rang FROM Taxons WHERE Rang=2 ORDER BY Nom"_s);
+    db->CreateQueryDef(u"Taxons de rang 2"_s,
+                       u"SELECT Nom, Rang FROM Taxons WHERE Rang=2 ORDER BY Nom"_s);
     EXPECT_EQ(db->Execute(u"Vider les plantes"_s), 3);
     EXPECT_EQ(db->Execute(u"[Vider les plantes]"_s), 0);
     const auto rows = db->OpenRecordset(u"Taxons de rang 2"_s);
@@ -101,13 +110,15 @@ TEST_F(StatementsTest, AReadOnlyFileIsReadAndNotWritten)
     reopen(true);
     ASSERT_TRUE(db->readOnly());
     EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Taxons"_s), 5);
-    EXPECT_EQ(rowsOf(u"SELECT DISTINCT Rang FROM Taxons ORDER BY Rang"_s), QStringList({u"1"_s, u"2"_s, u"3"_s}));
+    EXPECT_EQ(rowsOf(u"SELECT DISTINCT Rang FROM Taxons ORDER BY Rang"_s),
+              QStringList({u"1"_s, u"2"_s, u"3"_s}));
     EXPECT_EQ(errorOf([&] { db->Execute(u"DELETE * FROM Taxons"_s); }), 3027);
     EXPECT_EQ(errorOf([&] { db->OpenRecordset(u"Taxons"_s)->AddNew(); }), 3027);
     EXPECT_EQ(errorOf([&] { jet::Operation operation(*db, u"essai"_s); }), 3027);
 }
 
-// --- Named operations ------------------------------------------------------------------------------
+// --- Named operations
+// ------------------------------------------------------------------------------
 
 TEST_F(StatementsTest, AnOperationIsAllOrNothing)
 {
@@ -179,7 +190,8 @@ TEST_F(StatementsTest, ARecordSetOutlivesTheRollbackOfWhatItReads)
               3167);
 }
 
-// --- Interruption ----------------------------------------------------------------------------------
+// --- Interruption
+// ----------------------------------------------------------------------------------
 
 /// 40 taxa of rank 8, whose product with themselves four times over takes minutes.
 class InterruptTest : public StatementsTest {
@@ -214,8 +226,9 @@ protected:
         return error;
     }
 
-    const QString endless = u"SELECT Count(*) FROM Taxons AS a, Taxons AS b, Taxons AS c, Taxons AS d, Taxons AS e, "
-                            u"Taxons AS f WHERE a.Rang+b.Rang+c.Rang+d.Rang+e.Rang+f.Rang=1"_s;
+    const QString endless =
+        u"SELECT Count(*) FROM Taxons AS a, Taxons AS b, Taxons AS c, Taxons AS d, Taxons AS e, "
+        u"Taxons AS f WHERE a.Rang+b.Rang+c.Rang+d.Rang+e.Rang+f.Rang=1"_s;
 };
 
 TEST_F(InterruptTest, AQueryStopsFromAnotherThread)
@@ -226,7 +239,8 @@ TEST_F(InterruptTest, AQueryStopsFromAnotherThread)
 
 TEST_F(InterruptTest, AnActionStopsAndLeavesNothing)
 {
-    const QString slow = u"INSERT INTO Individus ([Numéro]) SELECT a.Nom FROM Taxons AS a, Taxons AS b, Taxons AS c, "
+    const QString slow = u"INSERT INTO Individus ([Numéro]) SELECT a.Nom FROM Taxons AS a, Taxons "
+                         u"AS b, Taxons AS c, "
                          u"Taxons AS d, Taxons AS e"_s;
     EXPECT_EQ(interrupted([&] { db->Execute(slow); }), 3059);
     EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Individus"_s), 6);
@@ -247,11 +261,13 @@ TEST_F(InterruptTest, AnOperationThatTheStoreDroppedAcceptsNothingMore)
     {
         jet::Operation operation(*db, u"Perdue"_s);
         db->Execute(u"DELETE * FROM Individus"_s);
-        EXPECT_EQ(interrupted([&] {
-                      db->Execute(u"INSERT INTO Individus ([Numéro]) SELECT a.Nom FROM Taxons AS a, Taxons AS b, "
-                                  u"Taxons AS c, Taxons AS d, Taxons AS e"_s);
-                  }),
-                  3059);
+        EXPECT_EQ(
+            interrupted([&] {
+                db->Execute(
+                    u"INSERT INTO Individus ([Numéro]) SELECT a.Nom FROM Taxons AS a, Taxons AS b, "
+                    u"Taxons AS c, Taxons AS d, Taxons AS e"_s);
+            }),
+            3059);
         EXPECT_EQ(errorOf([&] { db->Execute(u"DELETE * FROM Taxons"_s); }), 3034);
         EXPECT_EQ(errorOf([&] { operation.commit(); }), 3034);
     }
@@ -262,26 +278,30 @@ TEST_F(InterruptTest, AnOperationThatTheStoreDroppedAcceptsNothingMore)
 
 TEST_F(InterruptTest, AHalfReadSetIsNotTakenForAWholeOne)
 {
-    const auto rows = db->OpenRecordset(u"SELECT a.Nom FROM Taxons AS a, Taxons AS b, Taxons AS c, Taxons AS d, "
-                                        u"Taxons AS e"_s);
+    const auto rows =
+        db->OpenRecordset(u"SELECT a.Nom FROM Taxons AS a, Taxons AS b, Taxons AS c, Taxons AS d, "
+                          u"Taxons AS e"_s);
     EXPECT_EQ(interrupted([&] { rows->MoveLast(); }), 3059);
     EXPECT_EQ(errorOf([&] { rows->MoveLast(); }), 3420);
     rows->Requery();
     EXPECT_FALSE(rows->EOF_());
 }
 
-// --- Meaning ---------------------------------------------------------------------------------------
+// --- Meaning
+// ---------------------------------------------------------------------------------------
 
 TEST_F(StatementsTest, DistinctRowCountsRecordsAndNotValues)
 {
     fill();
     addTaxon(u"Carex"_s, u"Vill."_s, 1); // 6: a second record of that name
     addPlant(u"P7"_s, 6);
-    const QString join = u" FROM Taxons INNER JOIN Individus ON Taxons.[ID Taxons]=Individus.[ID Taxons]"_s;
+    const QString join =
+        u" FROM Taxons INNER JOIN Individus ON Taxons.[ID Taxons]=Individus.[ID Taxons]"_s;
     EXPECT_EQ(rowsOf(u"SELECT Nom"_s + join).size(), 6);
     EXPECT_EQ(rowsOf(u"SELECT DISTINCTROW Nom"_s + join + u" ORDER BY Nom"_s),
               QStringList({u"Carex"_s, u"Carex"_s, u"Draba"_s}));
-    EXPECT_EQ(rowsOf(u"SELECT DISTINCT Nom"_s + join + u" ORDER BY Nom"_s), QStringList({u"Carex"_s, u"Draba"_s}));
+    EXPECT_EQ(rowsOf(u"SELECT DISTINCT Nom"_s + join + u" ORDER BY Nom"_s),
+              QStringList({u"Carex"_s, u"Draba"_s}));
 }
 
 TEST_F(StatementsTest, LikeFoldsCaseAndCountsAccents)
@@ -308,17 +328,21 @@ TEST_F(StatementsTest, LikeFoldsCaseAndCountsAccents)
 TEST_F(StatementsTest, AmpersandTakesNullAsEmpty)
 {
     fill();
-    EXPECT_EQ(rowsOf(u"SELECT Auteurs & \"x\", Auteurs+\"x\", Null & Null FROM Taxons WHERE Nom=\"élyme\""_s),
-              QStringList(u"x|-|-"_s));
+    EXPECT_EQ(
+        rowsOf(
+            u"SELECT Auteurs & \"x\", Auteurs+\"x\", Null & Null FROM Taxons WHERE Nom=\"élyme\""_s),
+        QStringList(u"x|-|-"_s));
 }
 
 TEST_F(StatementsTest, UpdateReachesOverALeftJoinOfATableWithItself)
 {
     fill();
     // A column that may point at another row of the same table.
-    EXPECT_EQ(db->Execute(u"UPDATE Taxons AS t LEFT JOIN Taxons AS p ON val(t.Rang & \"\")=p.[ID Taxons] SET t.Notes="
-                          u"p.Nom & \"/\" & t.Nom, t.Rang=IIf(IsNull(p.[ID Taxons]),0,p.[ID Taxons])"_s),
-              5);
+    EXPECT_EQ(
+        db->Execute(u"UPDATE Taxons AS t LEFT JOIN Taxons AS p ON val(t.Rang & \"\")=p.[ID Taxons] "
+                    u"SET t.Notes="
+                    u"p.Nom & \"/\" & t.Nom, t.Rang=IIf(IsNull(p.[ID Taxons]),0,p.[ID Taxons])"_s),
+        5);
     EXPECT_EQ(rowsOf(u"SELECT Notes, Rang FROM Taxons ORDER BY [ID Taxons]"_s),
               QStringList({u"Carex/Carex|1"_s, u"Carex/Draba|1"_s, u"Draba/Élyme|2"_s,
                            u"Draba/élyme des sables|2"_s, u"Élyme/Erica|3"_s}));
@@ -330,7 +354,8 @@ TEST_F(StatementsTest, DeleteOverAJoinCountsEachRecordOnce)
     EXPECT_EQ(db->Execute(u"DELETE DISTINCTROW Taxons.* FROM Taxons INNER JOIN Individus ON "
                           u"Taxons.[ID Taxons]=Individus.[ID Taxons]"_s),
               2);
-    EXPECT_EQ(rowsOf(u"SELECT Nom FROM Taxons"_s), QStringList({u"Élyme"_s, u"élyme des sables"_s, u"Erica"_s}));
+    EXPECT_EQ(rowsOf(u"SELECT Nom FROM Taxons"_s),
+              QStringList({u"Élyme"_s, u"élyme des sables"_s, u"Erica"_s}));
 }
 
 } // namespace
