@@ -1,0 +1,80 @@
+#include "reference/ReferenceList.h"
+
+#include "jet/SqlText.h"
+
+namespace reference {
+
+using namespace Qt::StringLiterals;
+
+ReferenceList::ReferenceList(const ReferenceContext& context, const QString& table)
+    : m_context(context), m_table(table)
+{
+}
+
+ReferenceList::~ReferenceList() = default;
+
+bool ReferenceList::position(qint32 id) const
+{
+    m_current = 0;
+    if (id <= 0)
+        return false;
+    if (!m_rows) {
+        m_rows = m_context.database.OpenRecordset(m_table, jet::RecordsetType::Table);
+        m_rows->SetIndex(u"PrimaryKey"_s);
+    }
+    m_rows->Seek(u"="_s, {id});
+    if (m_rows->NoMatch())
+        return false;
+    m_current = id;
+    return true;
+}
+
+QVariant ReferenceList::value(const QString& column) const
+{
+    return m_current > 0 ? m_rows->Value(column) : QVariant();
+}
+
+qint32 ReferenceList::write(qint32 id, const QList<QPair<QString, QVariant>>& values)
+{
+    const auto rows = m_context.database.OpenRecordset(m_table, jet::RecordsetType::Table);
+    rows->SetIndex(u"PrimaryKey"_s);
+    const QString time = now();
+    if (id > 0) {
+        rows->Seek(u"="_s, {id});
+        if (rows->NoMatch())
+            jet::fail(3167);
+        rows->Edit();
+    } else {
+        rows->AddNew();
+        rows->SetValue(u"DateCreate", time);
+    }
+    for (const auto& [column, value] : values)
+        rows->SetValue(column, value);
+    rows->SetValue(u"DateModify", time);
+    rows->Update();
+    rows->MoveToLastModified();
+    return rows->Value(idColumn()).toInt();
+}
+
+Found ReferenceList::search(const QString& statement, const QString& pattern) const
+{
+    Found found;
+    const auto run = [&](const QString& text) {
+        const auto rows = m_context.database.OpenRecordset(text);
+        for (; !rows->EOF_(); rows->MoveNext()) {
+            found.ids << rows->Value(0).toInt();
+            found.names << rows->Value(1).toString();
+        }
+    };
+    run(statement);
+    if (found.ids.isEmpty() && !pattern.isEmpty() && !pattern.contains(u'*'))
+        run(QString(statement).replace(jet::texte(pattern), jet::texte(pattern + u'*')));
+    return found;
+}
+
+QString quotedName(const QString& name)
+{
+    return u'"' + name + u'"';
+}
+
+} // namespace reference
