@@ -149,29 +149,58 @@ void fillReference(jet::Database& database)
                 .arg(place));
 }
 
+void insertAll(jet::Database& database, const QString& into, const QStringList& rows)
+{
+    for (const QString& row : rows)
+        database.Execute(u"INSERT INTO %1 VALUES (%2)"_s.arg(into, row));
+}
+
+void fillDictionary(jet::Database& database)
+{
+    insertAll(database, u"PGTableDefs ([Type], [Table], [NomModule], [NomObjet], [Index])"_s,
+              {u"'Addin', 'Individus', 'Individus', 'Individus', 0"_s,
+               u"'Addin', 'Mesures', 'Mesures', 'Mesures', 3"_s,
+               u"'Addin', 'Perdu', 'Perdu', 'Perdu', -1"_s,
+               u"'TabEdit', 'ID Taxons', 'Déterminations', 'Taxon', 1"_s,
+               u"'TabEdit', 'Réserve', 'Déterminations', 'Réserve', 2"_s,
+               u"'TabEdit', 'Ancien', 'Mesures', 'Ancien', -1"_s});
+    insertAll(database, u"Propriétés (Objet, Module, Nom)"_s,
+              {u"'Requête', 'Individus', 'Toutes'"_s, u"'Base', 'Individus', 'Base'"_s,
+               u"'Requête', 'Mesures', 'Arbres'"_s, u"'Modèle', 'Individus', 'Saisie'"_s,
+               u"'Descripteur', 'Mesures', 'Méthode'"_s, u"'Descripteur', 'Images', 'Vue'"_s});
+}
+
 void fillModules(jet::Database& database)
 {
-    for (int number = 1; number <= 12; ++number) {
-        const QString id = QString::number(number);
-        const QString other = QString::number(number % 4 + 1);
-        database.Execute(u"INSERT INTO Individus ([Numéro], [ID Collecteurs], [DateRécolte], [ID "
-                         u"Localités], Altitude, "
-                         u"Habitat, Herbier, [ID Déterminations]) VALUES (\"N%1\", %2, "
-                         u"\"1999/05/01\", %2, %1*100, "
-                         u"\"rocher %1\", \"MPU;P\", %1)"_s.arg(id, other));
-        database.Execute(u"INSERT INTO Déterminations ([ID Individus], [ID Taxons], "
-                         u"[DateDétermination], [Réserve]) "
-                         u"VALUES (%1, %2+3, \"2006/03/12\", \"cf.\")"_s.arg(id, other));
-        database.Execute(
-            u"INSERT INTO Images ([ID Individus], Fichier, KeyParent) VALUES (%1, \"%1.jpg\", "
-            u"\"%2-Déterminations\")"_s.arg(id, QString::number(number * 2)));
-        database.Execute(
-            u"INSERT INTO Mesures ([ID Individus], [Méthode], Organes, Hauteur, [Diamètre], [ID "
-            u"Taxons], "
-            u"KeyParent) VALUES (%1, \"Échantillon de bois\", \"tronc;bois\", %1.5, 41, 4, "
-            u"\"1-Déterminations\")"_s.arg(id));
+    for (int n = 1; n <= 12; ++n) {
+        const QString id = QString::number(n);
+        const QString habitat = n % 5 == 0 ? u"Null"_s : u"'rocher %1'"_s.arg(n);
+        insertAll(
+            database,
+            u"Individus ([Numéro], [ID Collecteurs], [DateRécolte], [ID Localités], Altitude, "
+            u"Habitat, "
+            u"[Description], Herbier, [ID Déterminations], DateCreate)"_s,
+            {u"'N%1', %2, '%3/05/01', %4, %1*100, %5, 'fleur %6', 'MPU;P', %1, '2020/01/01'"_s.arg(
+                id, QString::number(n % 4 + 1), n % 2 ? u"1999"_s : u"1887"_s,
+                QString::number(n % 7 + 1), habitat, n % 3 ? u"jaune"_s : u"blanc \"pur\""_s)});
+        insertAll(database,
+                  u"Déterminations ([ID Individus], [ID Taxons], [DateDétermination], [Réserve])"_s,
+                  {u"%1, %2, '2006/03/12', '%3'"_s.arg(id, QString::number(n % 4 + 4),
+                                                       n % 4 ? u"cf."_s : u"aff."_s)});
+        insertAll(database, u"Images ([ID Individus], Fichier, KeyParent)"_s,
+                  {u"%1, '%1.jpg', '%2-Déterminations'"_s.arg(id, QString::number(n * 2))});
+        insertAll(database,
+                  u"Mesures ([ID Individus], [Méthode], Organes, Hauteur, [Diamètre], [ID Taxons], "
+                  u"KeyParent, "
+                  u"Locked, Complet)"_s,
+                  {u"%1, '%2', 'tronc;%3', %1.5, 41, 4, '1-Déterminations', %4, %5"_s.arg(
+                      id, n % 2 ? u"Échantillon de bois"_s : u"Planche d''herbier"_s,
+                      n % 3 ? u"bois"_s : u"feuille"_s, n == 4 ? u"True"_s : u"False"_s,
+                      n == 7 ? u"True"_s : u"False"_s)});
     }
-    database.Execute(u"INSERT INTO Déterminations ([ID Individus], [ID Taxons]) VALUES (1, 5)"_s);
+    insertAll(database, u"Déterminations ([ID Individus], [ID Taxons])"_s, {u"1, 5"_s});
+    database.Execute(
+        u"UPDATE Collecteurs SET Organisme=\"Muséum d'histoire naturelle\" WHERE Collecteur='Duval'"_s);
 }
 
 } // namespace
@@ -181,6 +210,7 @@ void makeProjectTables(jet::Database& database)
     jet::Operation operation(database, u"Tables d'essai"_s);
     appendCore(database);
     appendModules(database);
+    fillDictionary(database);
     fillReference(database);
     fillModules(database);
     operation.commit();
