@@ -80,7 +80,7 @@ QString scratchTemplate()
     return parent + u"/herbora-pannes-XXXXXX"_s;
 }
 
-std::vector<Point> chosenPoints(const Sweep& sweep, const Wishes& wishes, int sampleSize)
+std::vector<Point> chosenPoints(const Sweep& sweep, const Wishes& wishes)
 {
     std::vector<Point> points;
     for (const Point& point : sweep.points()) {
@@ -89,7 +89,7 @@ std::vector<Point> chosenPoints(const Sweep& sweep, const Wishes& wishes, int sa
             points.push_back(point);
         }
     }
-    return sampleSize > 0 ? sample(points, sampleSize) : points;
+    return points;
 }
 
 /// Trials of one operation, shared out among workers that each have their own folder.
@@ -134,60 +134,92 @@ void report(QTextStream& out, const Sweep& sweep, const std::vector<Fault>& foun
     }
 }
 
-/// Sweeps one operation. True when it stood the test.
-bool sweepOne(const Operation& operation, const Wishes& wishes, int sampleSize, QTextStream& out)
+/// One operation of this run: what its rehearsal found, and the points to try.
+struct Task {
+    const Operation* operation;
+    Sweep sweep;
+    QStringList wrong; ///< Already without a fault.
+    std::vector<Point> points;
+};
+
+Task rehearsed(const Operation& operation, const Wishes& wishes)
 {
-    QElapsedTimer clock;
-    clock.start();
-    const QString folder = wishes.folder + u'/' + operation.name;
-    Sweep sweep(operation, folder, QCoreApplication::applicationFilePath(), wishes.library);
-    const QStringList wrong = sweep.rehearse();
-    if (!wrong.isEmpty()) {
-        out << operation.name << u" : "_s << wrong.join(u"\n    "_s) << Qt::endl;
+    Task task{&operation,
+              Sweep(operation, wishes.folder + u'/' + operation.name,
+                    QCoreApplication::applicationFilePath(), wishes.library),
+              {},
+              {}};
+    try {
+        task.wrong = task.sweep.rehearse();
+    } catch (const std::exception& error) {
+        task.wrong << QString::fromUtf8(error.what());
+    }
+    task.points = chosenPoints(task.sweep, wishes);
+    return task;
+}
+
+/// Cuts the points down to `wanted` in all: short operations are tried whole, the others get even
+/// shares.
+void share(std::vector<Task>& tasks, int wanted)
+{
+    std::vector<Task*> bySize;
+    for (Task& task : tasks) {
+        bySize.push_back(&task);
+    }
+    std::sort(bySize.begin(), bySize.end(),
+              [](const Task* a, const Task* b) { return a->points.size() < b->points.size(); });
+    auto left = static_cast<int>(bySize.size());
+    for (Task* task : bySize) {
+        task->points = sample(task->points, qMax(2, wanted / left));
+        wanted -= static_cast<int>(task->points.size());
+        --left;
+    }
+}
+
+/// Tries one operation. True when it stood the test.
+bool stands(const Task& task, const Wishes& wishes, QTextStream& out)
+{
+    const QString name = task.operation->name;
+    if (!task.wrong.isEmpty()) {
+        out << name << u" : "_s << task.wrong.join(u"\n    "_s) << Qt::endl;
         return false;
     }
-    const auto points = chosenPoints(sweep, wishes, sampleSize);
-    const auto found = trials(sweep, points, wishes);
-    const double seconds = qMax<qint64>(clock.elapsed(), 1) / 1000.0;
+    QElapsedTimer clock;
+    clock.start();
+    const auto found = trials(task.sweep, task.points, wishes);
     out << u"%1 %2 appels, %3 points, %4 défauts, %5 s\n"_s.arg(
-        operation.name.leftJustified(20), QString::number(sweep.calls().size()).rightJustified(6),
-        QString::number(points.size()).rightJustified(6),
-        QString::number(found.size()).rightJustified(4), QString::number(seconds, 'f', 1));
-    if (operation.knownBad) {
-        if (found.empty()) {
-            out << u"    cette manière de faire est mauvaise, et rien ne l'a montré\n"_s;
-        }
-        out.flush();
-        return !found.empty();
+        name.leftJustified(16), QString::number(task.sweep.calls().size()).rightJustified(5),
+        QString::number(task.points.size()).rightJustified(5),
+        QString::number(found.size()).rightJustified(3),
+        QString::number(static_cast<double>(clock.elapsed()) / 1000, 'f', 1));
+    if (!task.operation->knownBad) {
+        report(out, task.sweep, found);
+    } else if (found.empty()) {
+        out << u"    cette manière de faire est mauvaise, et rien ne l'a montré\n"_s;
     }
-    report(out, sweep, found);
     out.flush();
-    return found.empty();
+    return found.empty() != task.operation->knownBad;
 }
 
 int sweepAll(const Wishes& wishes)
 {
     QTextStream out(stdout);
-    std::vector<const Operation*> chosen;
+    std::vector<Task> tasks;
     for (const Operation& operation : operations()) {
         if (wishes.operations.isEmpty() || wishes.operations.contains(operation.name)) {
-            chosen.push_back(&operation);
+            tasks.push_back(rehearsed(operation, wishes));
         }
     }
-    if (chosen.empty()) {
+    if (tasks.empty()) {
         out << u"Aucune opération de ce nom"_s << Qt::endl;
         return 2;
     }
+    if (wishes.sampleSize > 0) {
+        share(tasks, wishes.sampleSize);
+    }
     bool good = true;
-    const int share = wishes.sampleSize / static_cast<int>(chosen.size());
-    for (const Operation* operation : chosen) {
-        try {
-            good = sweepOne(*operation, wishes, wishes.sampleSize > 0 ? qMax(share, 2) : 0, out) &&
-                   good;
-        } catch (const std::exception& error) {
-            out << operation->name << u" : "_s << QString::fromUtf8(error.what()) << Qt::endl;
-            good = false;
-        }
+    for (const Task& task : tasks) {
+        good = stands(task, wishes, out) && good;
     }
     return good ? 0 : 1;
 }
