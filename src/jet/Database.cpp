@@ -84,11 +84,28 @@ LockResult takeLock(const QString& path)
     }
 }
 
+/// Plays back the journal of an accident, and removes one that holds nothing to play back: a process
+/// that is killed leaves it, and no file may be renamed to a name that has a journal. In the normal locking
+/// mode the store keeps no journal open between transactions, and within one it opens it at the
+/// first change: what stands there under the lock belongs to nobody.
+void settleJournal(Store& store, const QString& path)
+{
+    const QString journal = path + u"-journal"_s;
+    if (!QFileInfo::exists(journal))
+        return;
+    store.run(u"BEGIN EXCLUSIVE"_s);
+    if (QFileInfo::exists(journal) && !QFile::remove(journal))
+        qCWarning(jetLog).noquote() << "could not be removed:" << journal;
+    store.run(u"COMMIT"_s);
+}
+
 /// Opens the store and locks it for this process. Changes nothing in a file whose last user closed it.
 void connect(Store& store, const QString& path, bool create, bool readOnly)
 {
     try {
         store.open(path, create, readOnly);
+        if (!readOnly)
+            settleJournal(store, path);
         store.run(u"PRAGMA locking_mode=EXCLUSIVE"_s);
         if (readOnly) {
             store.run(u"BEGIN; SELECT count(*) FROM sqlite_schema; COMMIT"_s);

@@ -258,6 +258,35 @@ TEST_F(FileTest, ALockWithTheNumberOfARunningProcessIsStaleWhenNobodyHoldsIt)
     EXPECT_EQ(errorOfOpening(), 0);
 }
 
+TEST_F(FileTest, AnUnfinishedTransactionIsPlayedBack)
+{
+    createTaxa();
+    db->SetProperty(u"a"_s, u"avant"_s);
+    close();
+    QProcess killed;
+    killed.start(u"sqlite3"_s, {u"-batch"_s, path});
+    // With so small a cache the pages are written long before the transaction ends.
+    killed.write("PRAGMA cache_size=2; BEGIN; UPDATE MSysProperties SET Value='pendant';"
+                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<5000)"
+                 " INSERT INTO MSysProperties SELECT i, i, 4, randomblob(50) FROM n; SELECT 'done';\n");
+    ASSERT_TRUE(killed.waitForReadyRead(20'000));
+    killed.kill();
+    ASSERT_TRUE(killed.waitForFinished());
+    ASSERT_GT(QFileInfo(path + u"-journal"_s).size(), 0);
+    open();
+    EXPECT_EQ(db->Property(u"a"_s), u"avant"_s);
+    EXPECT_EQ(single(u"SELECT count(*) FROM MSysProperties"_s), 1);
+    close();
+    EXPECT_EQ(filesBeside(), QStringList{u"essai.hbx"_s});
+
+    // One that was never flushed holds nothing, but would hinder a renaming.
+    write(path + u"-journal"_s, QByteArray(512, '\0'));
+    open();
+    EXPECT_EQ(db->Property(u"a"_s), u"avant"_s);
+    close();
+    EXPECT_EQ(filesBeside(), QStringList{u"essai.hbx"_s});
+}
+
 TEST_F(FileTest, AWalFileIsTurnedBack)
 {
     createTaxa();
