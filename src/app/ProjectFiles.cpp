@@ -84,9 +84,10 @@ void removeStrayFiles(const QString& project)
     const QString begin = u'.' + file.fileName();
     const QStringList names = folder.entryList({begin + u"*.tmp-*"_s}, QDir::Files | QDir::Hidden);
     for (const QString& name : names) {
+        // The number may be followed by what goes with a file: "-journal", ".lock".
         const QString tail = name.mid(name.lastIndexOf(marker) + marker.size());
         bool number = false;
-        const qint64 pid = tail.section(u'-', 0, 0).toLongLong(&number);
+        const qint64 pid = tail.section(u'-', 0, 0).section(u'.', 0, 0).toLongLong(&number);
         if (number && (pid == ::getpid() || !processRuns(pid)))
             folder.remove(name);
     }

@@ -15,6 +15,14 @@ Q_LOGGING_CATEGORY(dataLog, "herbora.data")
 
 constexpr int tableExists = 3010;
 
+/// What an existing column, index or relation answers; anything else (a full disk, a read-only file) ends
+/// the build.
+bool isAlreadyThere(int number)
+{
+    static const QList<int> numbers{3010, 3012, 3191, 3219, 3284, 3367, 3375, 3380, 3609, 3368, 3379, 3409, 3314};
+    return numbers.contains(number);
+}
+
 /// One build of one module table.
 class Builder {
 public:
@@ -83,6 +91,8 @@ bool Builder::createTable(const jet::TableDef& table)
     } catch (const jet::Error& error) {
         if (error.number() == tableExists)
             return true;
+        if (error.number() == 3027 || error.number() == 3026)
+            throw; // a read-only file, a full disk: said once by the opening itself
         critical({u"ERREUR Critique < Création de la base des données > - N° "_s
                       + QString::number(error.number()) + u" "_s + error.description(),
                   u"Impossible d'ouvrir le module "_s + m_module.name});
@@ -102,6 +112,8 @@ void Builder::completeTable(const jet::TableDef& table)
             m_database.AppendField(m_module.name, field);
         } catch (const jet::Error& error) {
             qCWarning(dataLog).noquote() << m_module.name << field.Name << error.description();
+            if (!isAlreadyThere(error.number()))
+                throw;
         }
     }
 }
@@ -137,6 +149,8 @@ void Builder::ensureRelation()
         m_database.AppendRelation(relation);
     } catch (const jet::Error& error) {
         qCWarning(dataLog).noquote() << "relation" << m_module.name << error.description();
+        if (!isAlreadyThere(error.number()))
+            throw;
     }
 }
 

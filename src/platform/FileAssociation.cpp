@@ -1,10 +1,11 @@
 #include "platform/FileAssociation.h"
 
+#include "platform/ReplaceFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace platform {
@@ -61,8 +62,7 @@ QString programOf(const QString& exec)
 bool writeFile(const QString& path, const QString& content)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile out(path);
-    return out.open(QIODevice::WriteOnly) && out.write(content.toUtf8()) >= 0 && out.commit();
+    return replaceFile(path, content.toUtf8()).isEmpty();
 }
 
 void runQuietly(const QString& program, const QString& argument)

@@ -1,10 +1,11 @@
 #include "platform/Settings.h"
 
+#include "platform/ReplaceFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -80,7 +81,11 @@ qsizetype findKey(const QStringList& lines, const Path& path, qsizetype& insertA
 
 } // namespace
 
-Settings::Settings(QString file) : m_file(std::move(file)) {}
+Settings::Settings(QString file) : m_file(std::move(file))
+{
+    if (!m_file.isEmpty())
+        removeUnfinished(m_file);
+}
 
 QString Settings::defaultFile(const QString& applicationFolder)
 {
@@ -108,6 +113,10 @@ bool Settings::write(const QString& path, const QString& value)
 {
     if (m_file.isEmpty())
         return true;
+    if (QFileInfo::exists(m_file) && !QFileInfo(m_file).isReadable()) {
+        qCWarning(settingsLog).noquote() << "cannot read" << m_file << "and so does not replace it";
+        return false;
+    }
     QStringList lines = linesOf(m_file);
     const Path parts = split(path);
     const QString text = parts.key + u'=' + value;
@@ -123,12 +132,10 @@ bool Settings::write(const QString& path, const QString& value)
         lines << u'[' + parts.section + u']' << text;
 
     QDir().mkpath(QFileInfo(m_file).absolutePath());
-    QSaveFile out(m_file);
-    const bool written = out.open(QIODevice::WriteOnly)
-                         && out.write((lines.join(u'\n') + u'\n').toUtf8()) >= 0 && out.commit();
-    if (!written)
-        qCWarning(settingsLog).noquote() << "cannot write" << m_file << out.errorString();
-    return written;
+    const QString error = replaceFile(m_file, (lines.join(u'\n') + u'\n').toUtf8());
+    if (!error.isEmpty())
+        qCWarning(settingsLog).noquote() << "cannot write" << m_file << error;
+    return error.isEmpty();
 }
 
 } // namespace platform

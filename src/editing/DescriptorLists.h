@@ -1,0 +1,56 @@
+// The vocabularies of list fields, and the records that use them.
+#pragma once
+
+#include "data/PropertyStore.h"
+#include "jet/Database.h"
+#include "platform/Clock.h"
+#include "platform/Dialogues.h"
+
+namespace editing {
+
+/// A list field.
+struct ListField {
+    QString module;
+    QString column;
+    QString caption;
+    int type = 12;         ///< 11 ListeMultiple, 12 ListeSimple.
+    bool allowNull = true;
+};
+
+/// Reads and changes the descriptor list of a field. Renaming and deleting rewrite the records that use the
+/// descriptor. The list is stored first; when the rewriting then fails, the records are as before, the list stays
+/// changed, and the error is shown.
+class DescriptorLists {
+public:
+    DescriptorLists(jet::Database& database, data::PropertyStore& store, const platform::Clock& clock,
+                    platform::Dialogues& dialogues);
+
+    QStringList items(const ListField& field) const;
+    bool add(const ListField& field);                            ///< Asks the text.
+    bool rename(const ListField& field, const QString& old);     ///< Asks the new text.
+    bool remove(const ListField& field, const QString& item);    ///< Asks; refused where records would be left Null against the rule.
+    bool move(const ListField& field, const QString& item, int by); ///< Up (below 0) or down in the list.
+    /// Rebuilds the list from the values that records hold. Gives the new list.
+    QStringList synchronise(const ListField& field);
+
+    /// Without the characters that a list cannot hold (";" and line ends), trimmed.
+    static QString cleaned(const QString& text);
+    /// Trimmed, without empty items and repetitions; the order stays.
+    static QStringList normalized(const QStringList& items);
+
+private:
+    void store(const ListField& field, const QStringList& items);
+    QString usersStatement(const ListField& field, const QString& item) const;
+    qint64 countUsers(const ListField& field, const QString& item) const;
+    qint64 countExact(const ListField& field, const QString& item) const;
+    bool rewrite(const ListField& field, const QString& old, const QVariant& replacement);
+    void rewriteSimple(const ListField& field, const QString& old, const QVariant& replacement);
+    void rewriteMultiple(const ListField& field, const QString& old, const QVariant& replacement);
+
+    jet::Database& m_database;
+    data::PropertyStore& m_store;
+    const platform::Clock& m_clock;
+    platform::Dialogues& m_dialogues;
+};
+
+} // namespace editing

@@ -1,0 +1,19 @@
+// Small files written whole or not at all.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace platform {
+
+/// Puts the bytes in the place of the file (or of none): complete and flushed to the disk, or not at all. A symbolic
+/// link stays one. Gives an empty text, or why it failed.
+///
+/// QSaveFile is not used: it does not see that the disk refused what its buffer held (it reports success over an empty
+/// file), and a killed process leaves files of any name behind.
+[[nodiscard]] QString replaceFile(const QString& path, const QByteArray& bytes);
+
+/// Removes what processes that are no more left half written beside the file.
+void removeUnfinished(const QString& path);
+
+} // namespace platform
