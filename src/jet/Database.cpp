@@ -76,6 +76,9 @@ LockResult takeLock(const QString& path)
     switch (error.number()) {
     case 3045:
         failInUse(path);
+    case 3027: // only an unfinished transaction makes the store write while it opens
+        throw Error(3051, u"Le fichier « %1 » garde une opération interrompue, à annuler avant de le lire ; ouvrez-le "
+                          u"une fois là où il peut être écrit."_s.arg(path));
     case 3219: // a format or a catalogue that it does not know
     case 3343:
         fail(3049, path, u"son en-tête ou son catalogue est altéré"_s);

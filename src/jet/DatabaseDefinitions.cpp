@@ -139,6 +139,12 @@ QList<Database::IndexFailure> Database::ReplaceIndexes(const QString& table, con
     QList<IndexFailure> failures;
     if (changes.superfluous.isEmpty() && changes.missing.isEmpty())
         return failures;
+    if (d->readOnly) {
+        // Whoever only reads can do without an index; he is told, once for each.
+        for (const Index& index : changes.missing)
+            failures.append({index.Name, 3027, describe(3027, d->path)});
+        return failures;
+    }
     const auto attempt = [&](const QString& index, const std::function<void(DefinitionWriter&)>& work) {
         try {
             d->change(work);

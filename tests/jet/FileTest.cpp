@@ -273,6 +273,7 @@ TEST_F(FileTest, AnUnfinishedTransactionIsPlayedBack)
     killed.kill();
     ASSERT_TRUE(killed.waitForFinished());
     ASSERT_GT(QFileInfo(path + u"-journal"_s).size(), 0);
+    EXPECT_EQ(errorOfOpening(readOnly()), 3051) << "what is half written cannot be read";
     open();
     EXPECT_EQ(db->Property(u"a"_s), u"avant"_s);
     EXPECT_EQ(single(u"SELECT count(*) FROM MSysProperties"_s), 1);
@@ -310,6 +311,9 @@ TEST_F(FileTest, AReadOnlyOpeningWritesNothing)
     EXPECT_EQ(failureOf([&] { db->SetProperty(u"a"_s, 1); }).number(), 3027);
     EXPECT_EQ(failureOf([&] { db->DeleteTable(u"Taxons"_s); }).number(), 3027);
     EXPECT_NE(db->schema().table(u"Taxons"), nullptr);
+    const auto failures = db->ReplaceIndexes(u"Taxons"_s, {primary(u"ID Taxons"_s), unique(u"Autre"_s, {u"Nom"_s})});
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_EQ(failures[0].number, 3027);
     EXPECT_EQ(filesBeside(), QStringList{u"essai.hbx"_s});
 }
 
