@@ -53,11 +53,12 @@ void BoundSelect::bindOutputs()
             bindStar(*star);
             continue;
         }
-        scope.touched = 0;
+        scope.touched = scope.named = 0;
         Output output;
         output.name = item.alias;
         output.value = expressions.compile(*item.expression);
         output.uses = scope.touched;
+        output.names = scope.named;
         addOutput(std::move(output));
     }
     expressions.requireGrouped();
@@ -84,6 +85,7 @@ void BoundSelect::bindStar(const sql::Star& star)
             output.value.exact = column.exact;
             output.value.neverNull = column.neverNull && !source.nullable;
             output.uses = column.uses;
+            output.names = bit(s);
             if (grouped && !m_grouping.keys.contains(column.sql))
                 fail(3122, column.name);
             addOutput(std::move(output));
@@ -129,13 +131,42 @@ SourceSet BoundSelect::contributing() const
     return all & from.standing();
 }
 
+SourceSet BoundSelect::giving() const
+{
+    SourceSet all = 0;
+    for (const Output& output : outputs)
+        all |= output.names;
+    return all;
+}
+
 void BoundSelect::judgeDistinctRow()
 {
-    if (tree.predicate != sql::Predicate::DistinctRow || grouped || outputs.empty())
+    if (tree.predicate != sql::Predicate::DistinctRow || grouped)
         return;
-    const SourceSet giving = contributing();
-    const bool some = giving != 0 && giving != from.standing();
-    m_dropsRows = some && !from.determines(giving, tree.where.get(), expressions);
+    const SourceSet some = giving();
+    const SourceSet all = bit(int(scope.sources().size())) - 1;
+    m_dropsRows = some != 0 && some != all
+                  && !from.determines(some & from.standing(), tree.where.get(), expressions);
+}
+
+QStringList BoundSelect::recordKeys() const
+{
+    QStringList keys;
+    for (int s = 0; s < int(scope.sources().size()); ++s) {
+        const Source& source = scope.sources()[s];
+        if (!(giving() & bit(s)))
+            continue;
+        if (source.table) {
+            keys.append(source.rowId);
+        } else if (source.inlined) {
+            for (int column : source.keys.front())
+                keys.append(keyOf(source.columns[column].sql, source.columns[column].type));
+        } else {
+            for (const SourceColumn& column : source.columns)
+                keys.append(keyOf(column.sql, column.type));
+        }
+    }
+    return keys;
 }
 
 std::optional<int> BoundSelect::aliasFor(const sql::Expr& expression) const

@@ -209,6 +209,7 @@ Emitted Expressions::column(Scope& scope, const Found& found, const sql::Expr& w
     const Source& source = scope.sources()[found.source];
     const SourceColumn& column = source.columns[found.column];
     scope.touched |= column.uses;
+    scope.named |= bit(found.source);
     Emitted e = plain(column.sql, column.type);
     e.column = &column;
     e.exact = column.exact;

@@ -34,26 +34,6 @@ QStringList outputKeys(const std::vector<Output>& outputs)
     return keys;
 }
 
-// The identifiers of the records that give outputs, for DISTINCTROW. A derived table has none: all its
-// columns stand for them.
-QStringList recordKeys(const BoundSelect& select)
-{
-    QStringList keys;
-    const SourceSet giving = select.contributing();
-    for (int s = 0; s < int(select.scope.sources().size()); ++s) {
-        const Source& source = select.scope.sources()[s];
-        if (!(giving & bit(s)))
-            continue;
-        if (source.table) {
-            keys.append(source.rowId);
-            continue;
-        }
-        for (const SourceColumn& column : source.columns)
-            keys.append(keyOf(column.sql, column.type));
-    }
-    return keys;
-}
-
 // Writes one SELECT that is not keyed.
 class Writer {
 public:
@@ -72,7 +52,7 @@ public:
         if (tree.predicate == sql::Predicate::Distinct)
             makeDistinct(ranked);
         else if (m_select.dropsRows())
-            m_text.groupBy = recordKeys(m_select);
+            m_text.groupBy = m_select.recordKeys();
         if (ranked)
             return rankedText();
         if (tree.top)

@@ -25,7 +25,7 @@ public:
         CompiledQuery query;
         SelectText text = clauses(m_select);
         if (m_select.dropsRows())
-            text.groupBy = identifiers();
+            text.groupBy = m_select.recordKeys();
         for (const OrderTerm& term : m_order)
             text.orderBy.append(term.text());
         // Without an order of its own a query follows its first table, which costs nothing there

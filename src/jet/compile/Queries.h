@@ -39,7 +39,8 @@ CompiledQuery compileWhole(Context& context, const sql::Query& query);
 struct Output {
     QString name;
     Emitted value;
-    SourceSet uses = 0;
+    SourceSet uses = 0;  ///< As Scope::touched.
+    SourceSet names = 0; ///< As Scope::named.
     int source = -1; ///< Of a plain column: where it comes from.
     int column = -1;
     bool unnamed = false; ///< A plain column without an alias.
@@ -63,8 +64,11 @@ public:
     /// What the rows come in order of when nothing is asked: the keys of GROUP BY or DISTINCT.
     std::vector<OrderTerm> implicitOrder() const;
 
-    /// The sources that give output columns.
+    /// The sources whose records the outputs are worked out from.
     SourceSet contributing() const;
+    /// What tells the rows of DISTINCTROW apart: the identifiers of the records that give outputs. Of a
+    /// derived table all columns, of an inlined one its group.
+    QStringList recordKeys() const;
     /// DISTINCTROW has rows to drop: some tables, not all, give outputs, and the others may multiply.
     bool dropsRows() const { return m_dropsRows; }
 
@@ -88,6 +92,7 @@ private:
     OrderTerm orderTerm(const sql::OrderItem& item);
     std::optional<int> aliasFor(const sql::Expr& expression) const;
     void judgeDistinctRow();
+    SourceSet giving() const; ///< The sources that outputs name.
 
     Grouping m_grouping;
     int m_unnamed = 1000;

@@ -78,6 +78,9 @@ public:
 
     /// The sources that have been referred to since this was last emptied.
     SourceSet touched = 0;
+    /// The same by name: a column that is a sub-select names its source and touches those that it is
+    /// looked up by.
+    SourceSet named = 0;
 
 private:
     int add(Source source);
