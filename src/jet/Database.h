@@ -53,7 +53,8 @@ public:
     /// Makes the definition real. 3010 exists, 3264 no field.
     void AppendTable(const TableDef& table);
     void DeleteTable(const QString& name); ///< 3265 absent; 3281 when a relation refers to it.
-    /// Adds a column at the end. 3191 exists. A Required column of a table with rows needs a default (3314).
+    /// Adds a column at the end. 3191 exists. Where it is Required, rows that are there already keep Null in it until
+    /// they are written again (Check names them); with a default they get that.
     void AppendField(const QString& table, const Field& field);
     void DeleteField(const QString& table, const QString& field);
     /// Replaces the rules of an existing column (Required, AllowZeroLength, validation, default,

@@ -177,8 +177,6 @@ void DefinitionWriter::appendField(const QString& table, const Field& field)
     const bool filled = hasRows(before);
     const QString value = defaultSql(m_store, after.Fields.last());
     const bool nullable = !field.Required && field.Type != DataType::Boolean;
-    if (filled && value.isEmpty() && field.Required && !field.AutoIncrement && field.Type != DataType::Boolean)
-        fail(3314, field.Name);
     if (field.AutoIncrement || (filled && !isConstantDefault(value)))
         return rebuild(before, after);
     m_store.run(u"ALTER TABLE %1 ADD COLUMN %2"_s.arg(quoted(before.Name), columnSql(after.Fields.last(), value)));

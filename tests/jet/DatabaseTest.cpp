@@ -207,10 +207,14 @@ TEST_F(DatabaseTest, FieldsAreAddedBehindTheOthers)
     EXPECT_EQ(errorOf([&] { db->AppendField(u"Taxons"_s, field(u"NOM"_s, DataType::Memo)); }), 3191);
     Field required = field(u"Manque"_s, DataType::Long);
     required.Required = true;
-    EXPECT_EQ(errorOf([&] { db->AppendField(u"Taxons"_s, required); }), 3314);
     reopen();
     EXPECT_EQ(columns(), u"ID Taxons,Nom,Rang,Auteurs,Locked,Pays,Canton,Le"_s);
     EXPECT_TRUE(db->Check().isEmpty());
+    // A required field comes to a filled table: its rows keep Null until they are written again.
+    db->AppendField(u"Taxons"_s, required);
+    EXPECT_EQ(values(u"Manque"_s), u"-,-,-"_s);
+    EXPECT_EQ(errorOf([&] { run(u"INSERT INTO Taxons(Nom) VALUES('Poa')"_s); }), 3314);
+    EXPECT_FALSE(db->Check().isEmpty());
 }
 
 TEST_F(DatabaseTest, ATableGetsItsAutoNumberLater)
