@@ -96,12 +96,8 @@ QDateTime toMoment(const QVariant& value, const QString& column)
 QString toText(const QVariant& value, const QString& column)
 {
     switch (value.typeId()) {
-    case QMetaType::QString: {
-        const QString text = value.toString();
-        if (text.contains(QChar(u'\0')))
-            refuse(value, column);
-        return text;
-    }
+    case QMetaType::QString:
+        return value.toString();
     case QMetaType::QByteArray:
         refuse(value, column);
     case QMetaType::QDateTime:

@@ -148,6 +148,14 @@ QVariant KeyedRows::value(int column)
     return value;
 }
 
+void KeyedRows::readRow(std::vector<QVariant>& row)
+{
+    if (m_cursorRow != m_row || !m_withValues || !isOn())
+        return RowSet::readRow(row);
+    for (size_t column = 0; column < row.size(); ++column)
+        row[column] = m_cursor.value(int(m_sources) + int(column), m_query->outputs[column].type);
+}
+
 /// A look-up over several sources shows a deleted record as Null: a Null is only true when all are
 /// there.
 void KeyedRows::requireRecords(qint64 row)

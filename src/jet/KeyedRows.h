@@ -17,6 +17,7 @@ public:
 
     void open() override;
     QVariant value(int column) override;
+    void readRow(std::vector<QVariant>& row) override;
     qint64 rowId(int source) const override;
     void removeCurrent() override;
     void append(qint64 rowId) override;

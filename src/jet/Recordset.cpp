@@ -266,15 +266,11 @@ std::vector<std::vector<QVariant>> Recordset::GetRows(qint64 count)
     d->database->cancelled = false;
     const ReadTransaction reading(d->database->store);
     std::vector<std::vector<QVariant>> result;
-    const int width = FieldCount();
+    const size_t width = d->columns.size();
     while (qint64(result.size()) < count && rows.isOn()) {
         if (d->database->cancelled)
             fail(3059);
-        std::vector<QVariant> row;
-        row.reserve(size_t(width));
-        for (int column = 0; column < width; ++column)
-            row.push_back(rows.value(column));
-        result.push_back(std::move(row));
+        rows.readRow(result.emplace_back(width));
         rows.moveNext();
     }
     return result;

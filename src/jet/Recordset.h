@@ -41,7 +41,7 @@ public:
     void MoveNext();     ///< 3021 beyond EOF.
     void MovePrevious();
     void Move(qint64 rows);
-    qint64 AbsolutePosition() const;           ///< From 0; -1 without a current record.
+    qint64 AbsolutePosition() const; ///< From 0; -1 without a current record; 3251 for a table.
     void SetAbsolutePosition(qint64 position); ///< Any row of a keyed set at the same cost.
     /// Rows visited so far for a dynaset or snapshot, all once MoveLast ran; all rows of a table.
     qint64 RecordCount();
@@ -50,15 +50,17 @@ public:
     QVariant Value(QStringView name) const; ///< 3265 unknown, 3021 no current record.
     QVariant Value(int position) const;
     /// Up to `count` rows from the current one on, moving behind them. Each row is its values in
-    /// column order.
+    /// column order. 3167 when one was deleted meanwhile.
     std::vector<std::vector<QVariant>> GetRows(qint64 count);
     /// The row identifier of a source (by default the first) of the current row; 0 for none.
     qint64 RowId(int source = 0) const;
 
     // --- Editing -----------------------------------------------------------------------------
+    /// 3326 for a set that is not updatable; AddNew and Delete also for one of several tables.
     void AddNew();
     void Edit();
-    /// 3020 without AddNew or Edit; 3421 not convertible; 3163 too wide. The rest is checked by Update.
+    /// 3020 without AddNew or Edit; 3421 not convertible; 3163 too wide; 3164 an AutoNumber that stands; 3326
+    /// an expression. The rest is checked by Update, which leaves the draft open when it refuses it.
     void SetValue(QStringView name, const QVariant& value);
     void Update(); ///< After AddNew the current record stays the old one; MoveToLastModified leads to the new.
     void CancelUpdate();

@@ -92,7 +92,7 @@ void Recordset::SetValue(QStringView name, const QVariant& value)
         fail(3020);
     const Field& field = d->fieldOf(column);
     if (field.AutoIncrement && d->draft.mode == Private::Mode::Editing)
-        fail(3326, field.Name);
+        fail(3164, field.Name);
     d->put(column, convertFor(field, value));
     d->draft.inPieces[size_t(column)] = false;
 }

@@ -8,6 +8,12 @@ void RowSet::requireRow() const
         fail(3021);
 }
 
+void RowSet::readRow(std::vector<QVariant>& row)
+{
+    for (size_t column = 0; column < row.size(); ++column)
+        row[column] = value(int(column));
+}
+
 void RowSet::move(qint64 rows)
 {
     if (rows == 0)

@@ -36,6 +36,8 @@ public:
     virtual qint64 count() = 0;
 
     virtual QVariant value(int column) = 0;
+    /// The values of the first row.size() columns.
+    virtual void readRow(std::vector<QVariant>& row);
     virtual qint64 rowId(int source) const = 0; ///< 0 for none.
 
     /// The current row was deleted by this record set itself: moving leaves it out from now on.

@@ -375,6 +375,8 @@ qint64 TableRows::rowId(int) const
 
 void TableRows::finishReading()
 {
+    if (!m_current && (m_place != Place::On || !m_keptKeys.isEmpty()))
+        return;
     if (m_place == Place::On)
         readKeys();
     const QVariantList keys = m_keptKeys;

@@ -187,6 +187,12 @@ TEST_F(RecordsetTest, EditsThroughAJoinReachTheTableOfEachColumn)
     ASSERT_TRUE(rows->Updatable());
     rows->Edit();
     EXPECT_EQ(errorOf([&] { rows->SetValue(u"Longueur", 3); }), 3326);
+    EXPECT_EQ(errorOf([&] {
+                  const auto table = db->OpenRecordset(u"Taxons"_s, RecordsetType::Table);
+                  table->Edit();
+                  table->SetValue(u"ID Taxons", 7);
+              }),
+              3164);
     rows->SetValue(u"Numéro", u"P1 bis"_s);
     rows->SetValue(u"Nom", u"Carex alba"_s);
     rows->Update();
