@@ -50,6 +50,22 @@ QString shownText(const QVariant& value, int type)
     return value.toString();
 }
 
+/// While it lives, a statement of the database stops when the user wants to. Interrupting the database itself
+/// would stop the half-read rows of other grids too.
+class Cancellable {
+public:
+    Cancellable(jet::Database& database, const platform::Progression& progression) : m_database(database)
+    {
+        m_database.SetProgress([&progression] { return !progression.cancelled(); });
+    }
+    ~Cancellable() { m_database.SetProgress({}); }
+    Cancellable(const Cancellable&) = delete;
+    Cancellable& operator=(const Cancellable&) = delete;
+
+private:
+    jet::Database& m_database;
+};
+
 } // namespace
 
 GridModel::GridModel(GridSource source, Session& session, platform::TaskRunner& runner, QObject* parent)
@@ -96,7 +112,10 @@ void GridModel::start(int column, Qt::SortOrder order)
     const QString statement = m_source.statement(column, order);
     auto rows = std::make_shared<std::shared_ptr<GridRows>>();
     const QPointer<GridModel> self(this);
-    m_runner.start({[=](platform::Progression&) { *rows = std::make_shared<GridRows>(*database, statement); },
+    m_runner.start({[=](platform::Progression& progression) {
+                        const Cancellable running(*database, progression);
+                        *rows = std::make_shared<GridRows>(*database, statement);
+                    },
                     [=](std::exception_ptr failure) {
                         if (!self || generation != self->m_generation)
                             return;
@@ -106,7 +125,7 @@ void GridModel::start(int column, Qt::SortOrder order)
                         else
                             self->adopt(std::move(*rows), column, order);
                     },
-                    [=] { database->Interrupt(); }, u"Lecture : "_s + m_source.title});
+                    [] {}, u"Lecture : "_s + m_source.title});
 }
 
 void GridModel::adopt(std::shared_ptr<GridRows> rows, int column, Qt::SortOrder order)

@@ -24,7 +24,8 @@ public:
         std::function<void(Progression&)> work; ///< On the other thread.
         /// On the thread of the runner, after the work; with what the work threw, or nullptr.
         std::function<void(std::exception_ptr)> done;
-        /// Stops the work from outside (thread-safe); empty when it cannot be stopped.
+        /// Stops the work from outside (thread-safe), where asking Progression::cancelled is not enough; empty when
+        /// the work cannot be stopped at all.
         std::function<void()> interrupt;
         QString text = {}; ///< What is shown when the work tells no steps of its own.
     };

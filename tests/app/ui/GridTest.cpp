@@ -139,6 +139,23 @@ TEST_F(Grid, RowsNotSeenBeforeComeWhenTheDatabaseIsBack)
     EXPECT_EQ(last.data().toString(), u"00999"_s);
 }
 
+TEST_F(Grid, ASortThatIsStoppedLeavesTheRowsAsTheyWere)
+{
+    addIndividuals(3000);
+    GridTab* grid = openRecords(u"Individus"_s);
+    GridTab* other = openRecords(u"Déterminations"_s);
+    window().documents().openRecords(u"Individus"_s, app::NodeKind::Module);
+    grid->view().horizontalHeader()->setSortIndicator(columnOf(*grid, u"Habitat"_s), Qt::DescendingOrder);
+    program->runner().cancel();
+    settle();
+    EXPECT_EQ(grid->model().sortColumn(), -1);
+    EXPECT_EQ(grid->view().horizontalHeader()->sortIndicatorSection(), -1);
+    EXPECT_EQ(grid->model().index(3002, columnOf(*grid, u"Numéro"_s)).data().toString(), u"02999"_s);
+    EXPECT_EQ(shown(*other, {u"Taxon"_s}).last(), u"Burseraceae"_s);
+    clickHeader(*grid, u"Identifiant"_s);
+    EXPECT_EQ(grid->model().sortColumn(), columnOf(*grid, u"Identifiant"_s));
+}
+
 TEST_F(Grid, AnEmptyModuleSaysSo)
 {
     openRecords(u"Images"_s);
