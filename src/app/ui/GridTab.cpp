@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int widestColumn = 320;
+constexpr int widestColumnCharacters = 45;
 /// Up to so many rows are copied at once, without a word.
 constexpr qint64 copiedAtOnce = 500;
 
@@ -169,8 +169,9 @@ void GridTab::fitColumns()
 {
     m_view->resizeColumnsToContents();
     QHeaderView* header = m_view->horizontalHeader();
+    const int widest = m_view->fontMetrics().averageCharWidth() * widestColumnCharacters;
     for (int column = 0; column < header->count(); ++column)
-        header->resizeSection(column, qMin(header->sectionSize(column) + 8, widestColumn));
+        header->resizeSection(column, qMin(header->sectionSize(column) + 8, widest));
 }
 
 QList<int> GridTab::shownColumns() const

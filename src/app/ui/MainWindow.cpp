@@ -231,7 +231,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 void MainWindow::restoreState()
 {
     resize(1180, 740);
-    resizeDocks({m_dock}, {260}, Qt::Horizontal);
+    resizeDocks({m_dock}, {qMax(260, fontMetrics().averageCharWidth() * 37)}, Qt::Horizontal);
     restoreGeometry(m_state.value(geometryKey).toByteArray());
     QMainWindow::restoreState(m_state.value(partsKey).toByteArray(), partsVersion);
     m_actions->fullScreen->setChecked(isFullScreen());

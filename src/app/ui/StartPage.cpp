@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int columnWidth = 460;
+constexpr int columnCharacters = 62;
 constexpr int recentShown = 5;
 
 QFont titleFont(const QFont& base)
@@ -47,12 +47,13 @@ StartPage::StartPage(RecentFiles& recent, QWidget* parent)
     texts->addStretch();
     auto* head = new QHBoxLayout;
     head->setSpacing(16);
+    head->setContentsMargins(8, 0, 8, 0);
     head->addWidget(picture);
     head->addLayout(texts, 1);
     m_column->addLayout(head);
 
     auto* middle = new QWidget;
-    middle->setFixedWidth(columnWidth);
+    middle->setFixedWidth(fontMetrics().averageCharWidth() * columnCharacters);
     middle->setLayout(m_column);
     m_column->setContentsMargins(0, 0, 0, 0);
     auto* content = new QWidget;
@@ -98,20 +99,15 @@ void StartPage::addHeading(const QString& text)
     QFont bold = heading->font();
     bold.setBold(true);
     heading->setFont(bold);
-    heading->setContentsMargins(0, 12, 0, 4);
+    heading->setContentsMargins(8, 14, 0, 4);
     m_list->addWidget(heading);
 }
 
-QCommandLinkButton* StartPage::addChoice(const QString& name, const QIcon& icon, const QString& text,
-                                         const QString& description)
+ChoiceButton* StartPage::addChoice(const QString& name, const QIcon& icon, const QString& text,
+                                   const QString& description)
 {
-    auto* button = new QCommandLinkButton(QString(text).replace(u'&', u"&&"_s), description, m_choices);
+    auto* button = new ChoiceButton(icon, text, description, m_choices);
     button->setObjectName(name);
-    button->setAccessibleName(text);
-    button->setIcon(icon);
-    button->setIconSize({24, 24});
-    if (description.isEmpty()) // its own height leaves room for one
-        button->setFixedHeight(button->iconSize().height() + 12);
     m_list->addWidget(button);
     return button;
 }

@@ -1,10 +1,10 @@
 // What stands in the middle while no tab is open.
 #pragma once
 
+#include "app/ui/ChoiceButton.h"
 #include "app/ui/RecentFiles.h"
 #include "app/ui/TreeModel.h"
 
-#include <QCommandLinkButton>
 #include <QLabel>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -29,8 +29,7 @@ Q_SIGNALS:
 private:
     void clearChoices();
     void addHeading(const QString& text);
-    QCommandLinkButton* addChoice(const QString& name, const QIcon& icon, const QString& text,
-                                  const QString& description);
+    ChoiceButton* addChoice(const QString& name, const QIcon& icon, const QString& text, const QString& description);
     void addRecent();
 
     RecentFiles& m_recent;

@@ -15,7 +15,7 @@ ProgressionBar::ProgressionBar(QWidget* parent)
     m_text->setTextFormat(Qt::PlainText);
     m_bar->setObjectName(u"progressionBar"_s);
     m_bar->setAccessibleName(u"Progression"_s);
-    m_bar->setFixedWidth(200);
+    m_bar->setFixedWidth(fontMetrics().averageCharWidth() * 22);
     m_bar->setFormat(u"%p %"_s);
     m_bar->setAlignment(Qt::AlignCenter);
     m_cancel->setObjectName(u"progressionCancel"_s);

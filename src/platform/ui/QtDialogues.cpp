@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QScreen>
 #include <QStandardPaths>
 
 namespace platform {
@@ -71,6 +72,28 @@ Answer answerOf(int button)
     }
 }
 
+/// The texts have plain blanks before ? ! : ; which must not begin a line.
+QString unbroken(QString text)
+{
+    for (const QChar mark : {u'?', u'!', u':', u';', u'»'})
+        text.replace(QString(u' ') + mark, QString(QChar::Nbsp) + mark);
+    return text.replace(u"« "_s, u"«\u00a0"_s);
+}
+
+/// Long texts are easier to read in few long lines than in many short ones.
+void widen(QMessageBox& box)
+{
+    auto* label = box.findChild<QLabel*>(u"qt_msgbox_label"_s);
+    if (!label)
+        return;
+    int widest = 0;
+    const QStringList lines = box.text().split(u'\n');
+    for (const QString& line : lines)
+        widest = qMax(widest, label->fontMetrics().horizontalAdvance(line));
+    const int room = box.screen()->availableGeometry().width() * 3 / 5;
+    label->setMinimumWidth(std::min({widest, label->fontMetrics().averageCharWidth() * 90, room}));
+}
+
 /// A patterns text "*.hbx" or "*.jpg;*.jpeg" gives "hbx", "jpg": added when the user types no extension.
 QString suffixOf(const QString& filter)
 {
@@ -103,7 +126,7 @@ Answer QtDialogues::ask(const Message& message)
     box.setIcon(iconOf(message.icon));
     box.setWindowTitle(message.title);
     box.setTextFormat(Qt::PlainText); // a file name may look like markup
-    box.setText(message.text);
+    box.setText(unbroken(message.text));
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     box.setStandardButtons(buttonsOf(message.buttons));
     const QMessageBox::StandardButton wanted = buttonOf(message.byDefault);
@@ -111,6 +134,7 @@ Answer QtDialogues::ask(const Message& message)
         box.setDefaultButton(wanted);
     if (message.buttons == BoxButtons::YesNo)
         box.setEscapeButton(QMessageBox::No);
+    widen(box);
     const int button = box.exec();
     return answerOf(button);
 }

@@ -62,6 +62,16 @@ TEST(QtDialogues, ButtonsGiveTheirAnswers)
     }
 }
 
+TEST(QtDialogues, MarksDoNotBeginALine)
+{
+    platform::QtDialogues dialogues;
+    withNext<QMessageBox>([](QMessageBox& box) {
+        EXPECT_EQ(box.text(), u"Vider « a » ?"_s.replace(u' ', QChar::Nbsp).replace(5, 1, u" "_s));
+        box.button(QMessageBox::Yes)->click();
+    });
+    dialogues.confirm(u"Vider « a » ?"_s, u"t"_s);
+}
+
 TEST(QtDialogues, EscapeDeclines)
 {
     platform::QtDialogues dialogues;
