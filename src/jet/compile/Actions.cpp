@@ -197,9 +197,21 @@ private:
         return updateText(others.join(u", "_s), conditions.join(u" AND "_s));
     }
 
-    QString rows() const
+    // Several rows for a record come in the order of the records, so that the last one is always the same.
+    QStringList recordOrder() const
+    {
+        QStringList order;
+        for (const Source& source : m_scope.sources()) {
+            if (source.table)
+                order.append(source.rowId);
+        }
+        return order;
+    }
+
+    QString rows(const QStringList& order = {}) const
     {
         SelectText text;
+        text.orderBy = order;
         text.columns.append(named(target().rowId, u"r"_s));
         for (size_t i = 0; i < m_assigned.size(); ++i)
             text.columns.append(named(m_assigned[i].value, u'v' + QString::number(i + 1)));
@@ -230,7 +242,7 @@ private:
         const QString list = u"temp.\".update\""_s;
         action.steps = {u"DROP TABLE IF EXISTS "_s + list,
                         u"CREATE TEMP TABLE \".update\" ("_s + columns.join(u", "_s) + u')',
-                        u"INSERT OR REPLACE INTO "_s + list + u' ' + rows(),
+                        u"INSERT OR REPLACE INTO "_s + list + u' ' + rows(recordOrder()),
                         fromNamed(list + u" AS \".s\""_s, u"\".s\""_s),
                         u"DROP TABLE "_s + list};
         action.counted = 3;

@@ -14,6 +14,20 @@ struct GroupLink {
     const sql::Expr* expression;
 };
 
+void forEachColumn(const sql::Expr& e, const std::function<void(const sql::ColumnRef&)>& visit)
+{
+    if (const auto* name = std::get_if<sql::ColumnRef>(&e.node))
+        visit(*name);
+    forEachPart(e, [&](const sql::Expr& part) { forEachColumn(part, visit); });
+}
+
+bool names(const sql::Expr& e, const Scope& scope, int source)
+{
+    bool found = false;
+    forEachColumn(e, [&](const sql::ColumnRef& name) { found = found || scope.find(name).source == source; });
+    return found;
+}
+
 // The condition taken apart at its ANDs; empty when a part of it is no equality with an output.
 std::vector<GroupLink> linksOf(const sql::Expr& on, const Scope& scope, int source)
 {
@@ -33,7 +47,8 @@ std::vector<GroupLink> linksOf(const sql::Expr& on, const Scope& scope, int sour
     for (const auto& [one, other] : {std::pair(&binary->left, &binary->right), std::pair(&binary->right, &binary->left)}) {
         const auto* name = std::get_if<sql::ColumnRef>(&(*one)->node);
         const Found found = name ? scope.find(*name) : Found();
-        if (found.known() && !found.ambiguous && found.source == source)
+        if (found.known() && !found.ambiguous && found.source == source
+            && !names(**other, scope, source))
             return {{found.column, other->get()}};
     }
     return {};
@@ -124,17 +139,6 @@ bool FromClause::inlineGrouped(const sql::Join& item, int left, int right, const
 }
 
 // --- Looked up in an UPDATE ------------------------------------------------------------------
-
-namespace {
-
-void forEachColumn(const sql::Expr& e, const std::function<void(const sql::ColumnRef&)>& visit)
-{
-    if (const auto* name = std::get_if<sql::ColumnRef>(&e.node))
-        visit(*name);
-    forEachPart(e, [&](const sql::Expr& part) { forEachColumn(part, visit); });
-}
-
-} // namespace
 
 // The joins of a chain of left joins of tables behind the target, the nearest first; empty for another shape.
 std::vector<int> FromClause::leftChain(int target) const
