@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int widestColumnCharacters = 45;
+constexpr int widestColumnCharacters = 54;
 /// Up to so many rows are copied at once, without a word.
 constexpr qint64 copiedAtOnce = 500;
 

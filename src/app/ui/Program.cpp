@@ -37,18 +37,23 @@ private:
 
 } // namespace
 
-void prepareApplication()
+void useFrench()
 {
     QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
-    QApplication::setApplicationName(u"herbora"_s);
-    QApplication::setApplicationVersion(u"" HERBORA_VERSION ""_s);
-    QApplication::setDesktopFileName(u"org.herbora.Herbora"_s);
     // Without it the buttons of Qt's own dialogs are in English.
     auto* texts = new QTranslator(qApp);
     if (texts->load(u"qtbase_fr"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(texts);
+        QCoreApplication::installTranslator(texts);
     else
         qCWarning(programLog) << "no French texts for Qt in" << QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+}
+
+void prepareApplication()
+{
+    useFrench();
+    QApplication::setApplicationName(u"herbora"_s);
+    QApplication::setApplicationVersion(u"" HERBORA_VERSION ""_s);
+    QApplication::setDesktopFileName(u"org.herbora.Herbora"_s);
     followPalette();
     QApplication::setWindowIcon(programIcon());
 }

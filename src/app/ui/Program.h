@@ -8,7 +8,9 @@
 
 namespace app {
 
-/// Locale, texts of Qt, style and icons of the application object. To be called once, before any window.
+/// French numbers, dates and texts of Qt, for any application object.
+void useFrench();
+/// That, the names and the icons of the program. To be called once, before any window.
 void prepareApplication();
 
 /// What a start is given.

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int columnCharacters = 62;
+constexpr int columnCharacters = 78;
 constexpr int recentShown = 5;
 
 QFont titleFont(const QFont& base)
