@@ -13,10 +13,22 @@ Compiled compile(const sql::Statement& statement, const Schema& schema)
     compiler::Context context(schema);
     struct Kinds {
         compiler::Context& context;
-        Compiled operator()(const sql::Query& q) const { return compiler::compileWhole(context, q); }
-        Compiled operator()(const sql::Insert& i) const { return compiler::compileInsert(context, i); }
-        Compiled operator()(const sql::Update& u) const { return compiler::compileUpdate(context, u); }
-        Compiled operator()(const sql::Delete& d) const { return compiler::compileDelete(context, d); }
+        Compiled operator()(const sql::Query& q) const
+        {
+            return compiler::compileWhole(context, q);
+        }
+        Compiled operator()(const sql::Insert& i) const
+        {
+            return compiler::compileInsert(context, i);
+        }
+        Compiled operator()(const sql::Update& u) const
+        {
+            return compiler::compileUpdate(context, u);
+        }
+        Compiled operator()(const sql::Delete& d) const
+        {
+            return compiler::compileDelete(context, d);
+        }
     };
     return std::visit(Kinds{context}, statement.node);
 }

@@ -1,4 +1,5 @@
-// Statements of the dialect, each in two ways: the text that the store is given, and the rows that come.
+// Statements of the dialect, each in two ways: the text that the store is given, and the rows that
+// come.
 #include "DialectTables.h"
 #include "jet/Error.h"
 #include "support/Print.h"
@@ -42,7 +43,8 @@ protected:
             QVariantList values;
             for (const QString& key : keys[i].split(u'|'))
                 values.append(key == u"Null"_s ? QVariant() : QVariant(key.toInt()));
-            EXPECT_EQ(tables.storeRows(query.rowSql, values), QStringList{rows[i]}) << query.rowSql.toStdString();
+            EXPECT_EQ(tables.storeRows(query.rowSql, values), QStringList{rows[i]})
+                << query.rowSql.toStdString();
         }
     }
 
@@ -57,8 +59,8 @@ struct Line {
 
 QList<Line> linesOf(const char* name)
 {
-    QFile file(qEnvironmentVariable("HERBORA_SOURCE", u"."_s)
-               + u"/tests/jet/dialect/"_s + QString::fromLatin1(name));
+    QFile file(qEnvironmentVariable("HERBORA_SOURCE", u"."_s) + u"/tests/jet/dialect/"_s +
+               QString::fromLatin1(name));
     QList<Line> lines;
     if (!file.open(QIODevice::ReadOnly))
         return lines;
@@ -78,13 +80,16 @@ TEST_P(DialectTest, GivesWhatItsLineSays)
     QString statement;
     tables.begin();
     for (const Line& line : lines) {
-        SCOPED_TRACE(std::string(GetParam()) + ':' + std::to_string(line.number) + ": " + line.text.toStdString());
+        SCOPED_TRACE(std::string(GetParam()) + ':' + std::to_string(line.number) + ": " +
+                     line.text.toStdString());
         if (line.text.startsWith(u"~ "_s)) {
-            EXPECT_TRUE(tables.sql(statement).contains(line.text.mid(2))) << tables.sql(statement).toStdString();
+            EXPECT_TRUE(tables.sql(statement).contains(line.text.mid(2)))
+                << tables.sql(statement).toStdString();
             continue;
         }
         if (line.text.startsWith(u"!~ "_s)) {
-            EXPECT_FALSE(tables.sql(statement).contains(line.text.mid(3))) << tables.sql(statement).toStdString();
+            EXPECT_FALSE(tables.sql(statement).contains(line.text.mid(3)))
+                << tables.sql(statement).toStdString();
             continue;
         }
         const bool look = line.text.startsWith(u"? "_s);
@@ -98,18 +103,22 @@ TEST_P(DialectTest, GivesWhatItsLineSays)
         message.clear();
         const QString got = outcome(statement);
         EXPECT_EQ(got, line.text.mid(arrow + 4))
-            << message.toStdString() << (got.startsWith(u'!') ? std::string() : '\n' + tables.sql(statement).toStdString());
+            << message.toStdString()
+            << (got.startsWith(u'!') ? std::string() : '\n' + tables.sql(statement).toStdString());
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, DialectTest, ::testing::Values("select.txt", "actions.txt"),
-                         [](const auto& info) { return std::string(info.param).substr(0, std::string(info.param).find('.')); });
+INSTANTIATE_TEST_SUITE_P(
+    Files, DialectTest, ::testing::Values("select.txt", "actions.txt"), [](const auto& info) {
+        return std::string(info.param).substr(0, std::string(info.param).find('.'));
+    });
 
 // --- Rules and defaults ----------------------------------------------------------------------
 
 QString rule(const DialectTables& tables, const QString& column, const QString& text)
 {
-    return jet::compileRule(*jet::sql::parseRule(text, column), *tables.schema.table(u"Divers"_s), u"NEW."_s);
+    return jet::compileRule(*jet::sql::parseRule(text, column), *tables.schema.table(u"Divers"_s),
+                            u"NEW."_s);
 }
 
 TEST(RuleTest, BecomesAConditionOnTheNewRow)
@@ -145,7 +154,9 @@ TEST(RuleTest, RefusesWhatIsNoColumnOfTheTable)
 
 TEST(DefaultTest, IsAConstantAndAnUnknownNameItsOwnText)
 {
-    const auto value = [](const QString& text) { return jet::compileDefault(*jet::sql::parseExpression(text)); };
+    const auto value = [](const QString& text) {
+        return jet::compileDefault(*jet::sql::parseExpression(text));
+    };
     EXPECT_EQ(value(u"True"_s), u"-1"_s);
     EXPECT_EQ(value(u"\"it's\""_s), u"'it''s'"_s);
     EXPECT_EQ(value(u"-2"_s), u"(- 2)"_s);
@@ -165,9 +176,10 @@ TEST(QuotingTest, DoublesQuotesAndRefusesNul)
 TEST(KeyedQueryTest, KnowsTheTableAndColumnBehindEachOutput)
 {
     const DialectTables tables;
-    const jet::CompiledQuery query = tables.query(
-        u"SELECT I.Numéro AS N, Images.Fichier, [Altitude]+1, I.[ID Individus], Images.[ID Individus] FROM Individus AS I "
-        "LEFT JOIN Images ON I.[ID Individus]=Images.[ID Individus]"_s);
+    const jet::CompiledQuery query =
+        tables.query(u"SELECT I.Numéro AS N, Images.Fichier, [Altitude]+1, I.[ID Individus], "
+                     u"Images.[ID Individus] FROM Individus AS I "
+                     "LEFT JOIN Images ON I.[ID Individus]=Images.[ID Individus]"_s);
     ASSERT_EQ(query.sources.size(), 2u);
     EXPECT_EQ(query.sources[0].alias, u"I"_s);
     EXPECT_EQ(query.sources[1].table, u"Images"_s);
@@ -175,19 +187,22 @@ TEST(KeyedQueryTest, KnowsTheTableAndColumnBehindEachOutput)
     EXPECT_FALSE(query.ordered);
     QStringList outputs;
     for (const jet::OutputColumn& o : query.outputs)
-        outputs.append(o.name + u'=' + o.table + u'.' + o.column + u':' + QString::number(o.source));
-    EXPECT_EQ(outputs, (QStringList{u"N=Individus.Numéro:0"_s, u"Fichier=Images.Fichier:1"_s, u"Expr1000=.:-1"_s,
-                                    u"I.ID Individus=Individus.ID Individus:0"_s,
-                                    u"Images.ID Individus=Images.ID Individus:1"_s}));
+        outputs.append(o.name + u'=' + o.table + u'.' + o.column + u':' +
+                       QString::number(o.source));
+    EXPECT_EQ(outputs,
+              (QStringList{u"N=Individus.Numéro:0"_s, u"Fichier=Images.Fichier:1"_s,
+                           u"Expr1000=.:-1"_s, u"I.ID Individus=Individus.ID Individus:0"_s,
+                           u"Images.ID Individus=Images.ID Individus:1"_s}));
     EXPECT_EQ(query.outputs[2].type, jet::DataType::Double);
 }
 
 TEST(KeyedQueryTest, IsNotKeyedWhereRowsAreNoRecords)
 {
     const DialectTables tables;
-    for (const QString& text : {u"SELECT DISTINCT Nom FROM Divers"_s, u"SELECT Count(*) FROM Divers"_s,
-                                u"SELECT TOP 1 Nom FROM Divers"_s, u"SELECT Nom FROM Alpines"_s, u"SELECT 1"_s,
-                                u"SELECT Nom FROM Divers UNION SELECT Nom FROM Divers"_s}) {
+    for (const QString& text :
+         {u"SELECT DISTINCT Nom FROM Divers"_s, u"SELECT Count(*) FROM Divers"_s,
+          u"SELECT TOP 1 Nom FROM Divers"_s, u"SELECT Nom FROM Alpines"_s, u"SELECT 1"_s,
+          u"SELECT Nom FROM Divers UNION SELECT Nom FROM Divers"_s}) {
         const jet::CompiledQuery query = tables.query(text);
         EXPECT_TRUE(query.sources.empty()) << text.toStdString();
         EXPECT_TRUE(query.keySql.isEmpty() && !query.updatable);
@@ -202,7 +217,8 @@ TEST(KeyedQueryTest, NamesAllMissingParameters)
         FAIL();
     } catch (const jet::Error& error) {
         EXPECT_EQ(error.number(), 3061);
-        EXPECT_TRUE(error.description().contains(u"2"_s) && error.description().contains(u"rType, rTable"_s))
+        EXPECT_TRUE(error.description().contains(u"2"_s) &&
+                    error.description().contains(u"rType, rTable"_s))
             << error.description().toStdString();
     }
 }
@@ -213,26 +229,36 @@ TEST(KeyedQueryTest, NamesAllMissingParameters)
 TEST(PlanTest, SearchesByIndex)
 {
     DialectTables tables;
-    for (const QString& text : {
-             u"SELECT * FROM Taxons WHERE [Nom Complet]=\"Alchemilla\""_s,
-             u"SELECT * FROM Taxons WHERE [Nom Complet] Like \"Alch*\" AND Taxon<>\"x\""_s,
-             u"SELECT * FROM Taxons WHERE [Nom Complet] IN (\"a\",\"b\")"_s,
-             u"SELECT * FROM Individus WHERE [ID Individus] IN (1,2,3) AND [Locked]=False"_s,
-             u"SELECT Taxons.Taxon, I.Numéro FROM (Individus AS I LEFT JOIN Déterminations AS D ON I.[ID Individus]="
-             "D.[ID Individus]) LEFT JOIN Taxons ON D.[ID Taxons]=Taxons.[ID Taxons] WHERE Taxons.[Nom Complet] Like \"A*\""_s,
-             u"DELETE * FROM Collecteurs WHERE Collecteur=\"Dupont\""_s,
-             u"UPDATE Taxons SET Taxon=\"x\" WHERE [Nom Complet]=\"y\""_s,
-         })
+    for (
+        const QString& text : {
+            u"SELECT * FROM Taxons WHERE [Nom Complet]=\"Alchemilla\""_s,
+            u"SELECT * FROM Taxons WHERE [Nom Complet] Like \"Alch*\" AND Taxon<>\"x\""_s,
+            u"SELECT * FROM Taxons WHERE [Nom Complet] IN (\"a\",\"b\")"_s,
+            u"SELECT * FROM Individus WHERE [ID Individus] IN (1,2,3) AND [Locked]=False"_s,
+            u"SELECT Taxons.Taxon, I.Numéro FROM (Individus AS I LEFT JOIN Déterminations AS D ON "
+            u"I.[ID Individus]="
+            "D.[ID Individus]) LEFT JOIN Taxons ON D.[ID Taxons]=Taxons.[ID Taxons] WHERE Taxons.[Nom Complet] Like \"A*\""_s,
+            u"DELETE * FROM Collecteurs WHERE Collecteur=\"Dupont\""_s,
+            u"UPDATE Taxons SET Taxon=\"x\" WHERE [Nom Complet]=\"y\""_s,
+        })
         EXPECT_FALSE(tables.plan(tables.sql(text)).contains(u"SCAN"_s))
-            << text.toStdString() << '\n' << tables.plan(tables.sql(text)).toStdString();
-    EXPECT_FALSE(tables.plan(tables.query(u"SELECT I.Numéro, N_Images.N FROM Individus AS I LEFT JOIN N_Images ON "
-                                          "I.[ID Individus]=N_Images.[ID Individus]"_s).rowSql).contains(u"SCAN"_s));
+            << text.toStdString() << '\n'
+            << tables.plan(tables.sql(text)).toStdString();
+    EXPECT_FALSE(
+        tables
+            .plan(
+                tables
+                    .query(u"SELECT I.Numéro, N_Images.N FROM Individus AS I LEFT JOIN N_Images ON "
+                           "I.[ID Individus]=N_Images.[ID Individus]"_s)
+                    .rowSql)
+            .contains(u"SCAN"_s));
 }
 
 TEST(PlanTest, OrdersByAnIndexOfTheKeys)
 {
     DialectTables tables;
-    const QString plan = tables.plan(tables.sql(u"SELECT * FROM Taxons ORDER BY [Nom Complet], Auteurs"_s));
+    const QString plan =
+        tables.plan(tables.sql(u"SELECT * FROM Taxons ORDER BY [Nom Complet], Auteurs"_s));
     EXPECT_FALSE(plan.contains(u"TEMP B-TREE"_s)) << plan.toStdString();
 }
 
@@ -243,7 +269,8 @@ TEST(PlanTest, TakesLongConditions)
     QStringList conditions;
     for (int i = 0; i < 1000; ++i)
         conditions.append(u"Numéro="_s + QString::number(i));
-    EXPECT_EQ(tables.rows(u"SELECT Numéro FROM Divers WHERE "_s + conditions.join(u" OR "_s)).size(), 5);
+    EXPECT_EQ(
+        tables.rows(u"SELECT Numéro FROM Divers WHERE "_s + conditions.join(u" OR "_s)).size(), 5);
 }
 
 } // namespace

@@ -6,11 +6,14 @@ using jet::quoted;
 
 namespace {
 
-const QStringList kinds{u"auto"_s, u"text"_s, u"memo"_s, u"long"_s, u"double"_s, u"bool"_s, u"date"_s, u"blob"_s};
-constexpr DataType types[] = {DataType::Long, DataType::Text,    DataType::Memo, DataType::Long,
-                              DataType::Double, DataType::Boolean, DataType::Date, DataType::LongBinary};
-const QStringList storeTypes{u"INTEGER PRIMARY KEY"_s, u"TEXT"_s, u"TEXT"_s, u"INTEGER"_s, u"REAL"_s,
-                             u"INTEGER NOT NULL DEFAULT 0"_s, u"REAL"_s, u"BLOB"_s};
+const QStringList kinds{u"auto"_s,   u"text"_s, u"memo"_s, u"long"_s,
+                        u"double"_s, u"bool"_s, u"date"_s, u"blob"_s};
+constexpr DataType types[] = {DataType::Long, DataType::Text,      DataType::Memo,
+                              DataType::Long, DataType::Double,    DataType::Boolean,
+                              DataType::Date, DataType::LongBinary};
+const QStringList storeTypes{
+    u"INTEGER PRIMARY KEY"_s,        u"TEXT"_s, u"TEXT"_s, u"INTEGER"_s, u"REAL"_s,
+    u"INTEGER NOT NULL DEFAULT 0"_s, u"REAL"_s, u"BLOB"_s};
 
 QString keyColumn(const jet::TableDef& table, const QString& name)
 {
@@ -24,36 +27,48 @@ DialectTables::DialectTables()
     m_store.open(m_folder.filePath(u"dialecte.hbx"_s), true, false);
     m_store.run(u"BEGIN"_s);
     table(u"Taxons"_s,
-          {u"auto ID Taxons"_s, u"text Taxon"_s, u"long ID Genre"_s, u"long ID Espèce"_s, u"long ID Valid"_s,
-           u"text Auteurs"_s, u"text Nom Complet"_s, u"memo Commentaire"_s, u"text DateModify"_s},
+          {u"auto ID Taxons"_s, u"text Taxon"_s, u"long ID Genre"_s, u"long ID Espèce"_s,
+           u"long ID Valid"_s, u"text Auteurs"_s, u"text Nom Complet"_s, u"memo Commentaire"_s,
+           u"text DateModify"_s},
           {u"!Unique: Nom Complet, Auteurs"_s});
     table(u"Individus"_s,
-          {u"auto ID Individus"_s, u"text Numéro"_s, u"long ID Collecteurs"_s, u"double Altitude"_s, u"memo Habitat"_s,
-           u"text KeyParent"_s, u"date Vu"_s, u"text DateModify"_s, u"bool Locked"_s},
+          {u"auto ID Individus"_s, u"text Numéro"_s, u"long ID Collecteurs"_s, u"double Altitude"_s,
+           u"memo Habitat"_s, u"text KeyParent"_s, u"date Vu"_s, u"text DateModify"_s,
+           u"bool Locked"_s},
           {u"ID Collecteurs: ID Collecteurs"_s});
-    table(u"Collecteurs"_s, {u"auto ID Collecteurs"_s, u"text Collecteur"_s, u"bool Bot"_s}, {u"!Unique: Collecteur"_s});
+    table(u"Collecteurs"_s, {u"auto ID Collecteurs"_s, u"text Collecteur"_s, u"bool Bot"_s},
+          {u"!Unique: Collecteur"_s});
     table(u"Déterminations"_s,
-          {u"auto ID Déterminations"_s, u"long ID Individus"_s, u"long ID Taxons"_s, u"text KeyParent"_s,
-           u"text DateModify"_s, u"bool Locked"_s},
+          {u"auto ID Déterminations"_s, u"long ID Individus"_s, u"long ID Taxons"_s,
+           u"text KeyParent"_s, u"text DateModify"_s, u"bool Locked"_s},
           {u"ID Individus: ID Individus"_s, u"ID Taxons: ID Taxons"_s});
-    table(u"Images"_s, {u"auto ID Images"_s, u"long ID Individus"_s, u"text Fichier"_s, u"long Taille"_s},
+    table(u"Images"_s,
+          {u"auto ID Images"_s, u"long ID Individus"_s, u"text Fichier"_s, u"long Taille"_s},
           {u"ID Individus: ID Individus"_s});
     table(u"Divers"_s,
-          {u"long Numéro"_s, u"text Nom"_s, u"double Réel"_s, u"bool Oui"_s, u"date Jour"_s, u"memo Note"_s, u"blob Octets"_s},
+          {u"long Numéro"_s, u"text Nom"_s, u"double Réel"_s, u"bool Oui"_s, u"date Jour"_s,
+           u"memo Note"_s, u"blob Octets"_s},
           {});
-    const auto store = [&](const QString& name, const QString& text) { schema.put(jet::QueryDef{name, text, {}, {}}); };
+    const auto store = [&](const QString& name, const QString& text) {
+        schema.put(jet::QueryDef{name, text, {}, {}});
+    };
     store(u"N_Images"_s,
-          u"SELECT Individus.[ID Individus], Count(Images.[ID Images]) AS [N] FROM Individus LEFT JOIN Images ON "
+          u"SELECT Individus.[ID Individus], Count(Images.[ID Images]) AS [N] FROM Individus LEFT "
+          u"JOIN Images ON "
           "Individus.[ID Individus] = Images.[ID Individus] GROUP BY Individus.[ID Individus]"_s);
-    store(u"N_Taille"_s, u"SELECT [ID Individus], Count(*) AS [N] FROM Images WHERE Taille > 10 OR Taille < 0 GROUP BY [ID Individus]"_s);
-    store(u"Alpines"_s, u"SELECT [ID Taxons], [Nom Complet] AS Nom FROM Taxons WHERE Taxon = \"alpina\""_s);
+    store(
+        u"N_Taille"_s,
+        u"SELECT [ID Individus], Count(*) AS [N] FROM Images WHERE Taille > 10 OR Taille < 0 GROUP BY [ID Individus]"_s);
+    store(u"Alpines"_s,
+          u"SELECT [ID Taxons], [Nom Complet] AS Nom FROM Taxons WHERE Taxon = \"alpina\""_s);
     store(u"Ronde"_s, u"SELECT * FROM Ronde2"_s);
     store(u"Ronde2"_s, u"SELECT * FROM Ronde"_s);
     fill();
     m_store.run(u"COMMIT"_s);
 }
 
-void DialectTables::table(const QString& name, const QStringList& fields, const QStringList& indexes)
+void DialectTables::table(const QString& name, const QStringList& fields,
+                          const QStringList& indexes)
 {
     jet::TableDef table;
     table.Name = name;
@@ -69,7 +84,8 @@ void DialectTables::table(const QString& name, const QStringList& fields, const 
     }
     if (table.hasHiddenRowId())
         columns.prepend(u"\"_rid\" INTEGER PRIMARY KEY"_s);
-    m_store.run(u"CREATE TABLE "_s + quoted(name) + u" ("_s + columns.join(u", "_s) + u") STRICT"_s);
+    m_store.run(u"CREATE TABLE "_s + quoted(name) + u" ("_s + columns.join(u", "_s) +
+                u") STRICT"_s);
     for (const QString& text : indexes) {
         jet::Index index;
         index.Unique = text.startsWith(u'!');
@@ -80,8 +96,9 @@ void DialectTables::table(const QString& name, const QStringList& fields, const 
             keys.append(keyColumn(table, column));
         }
         table.Indexes.append(index);
-        m_store.run((index.Unique ? u"CREATE UNIQUE INDEX "_s : u"CREATE INDEX "_s) + quoted(name + u'.' + index.Name)
-                    + u" ON "_s + quoted(name) + u" ("_s + keys.join(u", "_s) + u')');
+        m_store.run((index.Unique ? u"CREATE UNIQUE INDEX "_s : u"CREATE INDEX "_s) +
+                    quoted(name + u'.' + index.Name) + u" ON "_s + quoted(name) + u" ("_s +
+                    keys.join(u", "_s) + u')');
     }
     schema.put(table);
 }

@@ -7,7 +7,8 @@
 
 #include <QTemporaryDir>
 
-/// Tables, their definitions and a few records. Statements are compiled and run as a Database would.
+/// Tables, their definitions and a few records. Statements are compiled and run as a Database
+/// would.
 class DialectTables {
 public:
     DialectTables();
@@ -22,7 +23,7 @@ public:
     QStringList rows(const QString& statement) { return rows(query(statement)); }
     /// The rows of a text of the store.
     QStringList storeRows(const QString& sql, const QVariantList& values = {}, int from = 0);
-    QString plan(const QString& sql); ///< What EXPLAIN QUERY PLAN says, in one line.
+    QString plan(const QString& sql);      ///< What EXPLAIN QUERY PLAN says, in one line.
     int execute(const QString& statement); ///< Gives the number of records changed.
 
     void begin() { m_store.run(QStringLiteral("SAVEPOINT one")); }

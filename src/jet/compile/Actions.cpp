@@ -44,7 +44,8 @@ void requireCount(size_t values, size_t fields)
         fail(3346, QString::number(values), QString::number(fields));
 }
 
-QString insertedValues(Context& context, const sql::Insert& insert, const std::vector<const Field*>& fields)
+QString insertedValues(Context& context, const sql::Insert& insert,
+                       const std::vector<const Field*>& fields)
 {
     requireCount(insert.values.size(), fields.size());
     Scope scope;
@@ -56,7 +57,8 @@ QString insertedValues(Context& context, const sql::Insert& insert, const std::v
 }
 
 // The columns of the query go to the fields by position, converted where the types differ.
-QString insertedRows(Context& context, const sql::Insert& insert, const std::vector<const Field*>& fields)
+QString insertedRows(Context& context, const sql::Insert& insert,
+                     const std::vector<const Field*>& fields)
 {
     NestedForm form;
     form.positional = true;
@@ -87,7 +89,8 @@ struct Assigned {
 class Updater {
 public:
     Updater(Context& context, const sql::Update& update)
-        : m_context(context), m_update(update), m_expressions(context, m_scope), m_from(context, m_scope)
+        : m_context(context), m_update(update), m_expressions(context, m_scope),
+          m_from(context, m_scope)
     {
         m_from.build(*update.from);
         m_from.reduce(update.where.get());
@@ -101,7 +104,8 @@ public:
     {
         m_fromText = m_from.text(m_expressions);
         const bool single = m_scope.sources().size() == 1;
-        const bool once = single || m_from.determines(bit(m_target), m_update.where.get(), m_expressions);
+        const bool once =
+            single || m_from.determines(bit(m_target), m_update.where.get(), m_expressions);
         const bool lookedUp = once && !single && lookUpOthers();
         m_where = m_update.where ? m_expressions.condition(*m_update.where) : QString();
         for (Assigned& a : m_assigned)
@@ -111,7 +115,7 @@ public:
         action.table = target().table->Name;
         if (!once)
             return collected(action);
-        action.steps = {single || lookedUp          ? updateText({}, m_where)
+        action.steps = {single || lookedUp        ? updateText({}, m_where)
                         : m_from.onlyInnerJoins() ? direct()
                                                   : fromRows()};
         return action;
@@ -153,11 +157,12 @@ private:
             named.push_back(m_update.where.get());
         for (const Assigned& a : m_assigned)
             named.push_back(a.expression);
-        return m_from.lookUpOthers(m_target, named, m_expressions, [this](const Source& other, const SourceColumn& c) {
-            return other.table != target().table
-                   || std::none_of(m_assigned.begin(), m_assigned.end(),
-                                   [&](const Assigned& a) { return a.field == c.field; });
-        });
+        return m_from.lookUpOthers(
+            m_target, named, m_expressions, [this](const Source& other, const SourceColumn& c) {
+                return other.table != target().table ||
+                       std::none_of(m_assigned.begin(), m_assigned.end(),
+                                    [&](const Assigned& a) { return a.field == c.field; });
+            });
     }
 
     // All sources must be open to change, and the target must have a record in every row.
@@ -176,9 +181,9 @@ private:
         QStringList settings;
         for (const Assigned& a : m_assigned)
             settings.append(quoted(a.field->Name) + u" = "_s + a.value);
-        return u"UPDATE "_s + target().sql + u" SET "_s + settings.join(u", "_s)
-               + (from.isEmpty() ? QString() : u" FROM "_s + from)
-               + (where.isEmpty() ? QString() : u" WHERE "_s + where);
+        return u"UPDATE "_s + target().sql + u" SET "_s + settings.join(u", "_s) +
+               (from.isEmpty() ? QString() : u" FROM "_s + from) +
+               (where.isEmpty() ? QString() : u" WHERE "_s + where);
     }
 
     // Inner joins alone: the store's own form. It works out all values before it changes a row.
@@ -197,7 +202,8 @@ private:
         return updateText(others.join(u", "_s), conditions.join(u" AND "_s));
     }
 
-    // Several rows for a record come in the order of the records, so that the last one is always the same.
+    // Several rows for a record come in the order of the records, so that the last one is always
+    // the same.
     QStringList recordOrder() const
     {
         QStringList order;
@@ -224,11 +230,12 @@ private:
     {
         QStringList settings;
         for (size_t i = 0; i < m_assigned.size(); ++i)
-            settings.append(quoted(m_assigned[i].field->Name) + u" = "_s + alias + u".\"v"_s + QString::number(i + 1)
-                            + u'"');
+            settings.append(quoted(m_assigned[i].field->Name) + u" = "_s + alias + u".\"v"_s +
+                            QString::number(i + 1) + u'"');
         const QString table = quoted(target().table->Name);
-        return u"UPDATE "_s + table + u" SET "_s + settings.join(u", "_s) + u" FROM "_s + from + u" WHERE "_s + table
-               + u'.' + quoted(target().table->rowIdColumn()) + u" = "_s + alias + u".\"r\""_s;
+        return u"UPDATE "_s + table + u" SET "_s + settings.join(u", "_s) + u" FROM "_s + from +
+               u" WHERE "_s + table + u'.' + quoted(target().table->rowIdColumn()) + u" = "_s +
+               alias + u".\"r\""_s;
     }
 
     QString fromRows() const { return fromNamed(u'(' + rows() + u") AS \".s\""_s, u"\".s\""_s); }
@@ -243,8 +250,7 @@ private:
         action.steps = {u"DROP TABLE IF EXISTS "_s + list,
                         u"CREATE TEMP TABLE \".update\" ("_s + columns.join(u", "_s) + u')',
                         u"INSERT OR REPLACE INTO "_s + list + u' ' + rows(recordOrder()),
-                        fromNamed(list + u" AS \".s\""_s, u"\".s\""_s),
-                        u"DROP TABLE "_s + list};
+                        fromNamed(list + u" AS \".s\""_s, u"\".s\""_s), u"DROP TABLE "_s + list};
         action.counted = 3;
         return action;
     }
@@ -274,7 +280,8 @@ CompiledAction compileInsert(Context& context, const sql::Insert& insert)
     context.failIfMissing();
     CompiledAction action;
     action.table = table.Name;
-    action.steps = {u"INSERT INTO "_s + quoted(table.Name) + u" ("_s + names.join(u", "_s) + u") "_s + rows};
+    action.steps = {u"INSERT INTO "_s + quoted(table.Name) + u" ("_s + names.join(u", "_s) +
+                    u") "_s + rows};
     return action;
 }
 

@@ -5,7 +5,8 @@ namespace jet::compiler {
 
 using namespace Qt::StringLiterals;
 
-BoundSelect::BoundSelect(Context& context, const sql::Select& select, Scope* outer, const Scope* above)
+BoundSelect::BoundSelect(Context& context, const sql::Select& select, Scope* outer,
+                         const Scope* above)
     : tree(select), scope(outer, above), expressions(context, scope), from(context, scope)
 {
     from.build(select.from);
@@ -13,9 +14,9 @@ BoundSelect::BoundSelect(Context& context, const sql::Select& select, Scope* out
     fromText = from.text(expressions);
     if (select.where)
         where = expressions.condition(*select.where);
-    const bool aggregates = std::any_of(select.outputs.begin(), select.outputs.end(), [](const auto& item) {
-        return hasAggregate(*item.expression);
-    });
+    const bool aggregates =
+        std::any_of(select.outputs.begin(), select.outputs.end(),
+                    [](const auto& item) { return hasAggregate(*item.expression); });
     grouped = aggregates || !select.groupBy.empty() || select.having;
     // Groups, outputs and order must be written alike to be known as the same.
     expressions.inOutputs = true;
@@ -97,16 +98,16 @@ void BoundSelect::addOutput(Output output)
 {
     for (int s = 0; output.value.column && s < int(scope.sources().size()); ++s) {
         const auto& columns = scope.sources()[s].columns;
-        if (!columns.empty() && output.value.column >= columns.data()
-            && output.value.column < columns.data() + columns.size()) {
+        if (!columns.empty() && output.value.column >= columns.data() &&
+            output.value.column < columns.data() + columns.size()) {
             output.source = s;
             output.column = int(output.value.column - columns.data());
         }
     }
     if (output.name.isEmpty()) {
         output.unnamed = output.value.column != nullptr;
-        output.name = output.unnamed ? output.value.column->name
-                                     : u"Expr"_s + QString::number(m_unnamed++);
+        output.name =
+            output.unnamed ? output.value.column->name : u"Expr"_s + QString::number(m_unnamed++);
     }
     outputs.push_back(std::move(output));
 }
@@ -145,8 +146,8 @@ void BoundSelect::judgeDistinctRow()
         return;
     const SourceSet some = giving();
     const SourceSet all = bit(int(scope.sources().size())) - 1;
-    m_dropsRows = some != 0 && some != all
-                  && !from.determines(some & from.standing(), tree.where.get(), expressions);
+    m_dropsRows = some != 0 && some != all &&
+                  !from.determines(some & from.standing(), tree.where.get(), expressions);
 }
 
 QStringList BoundSelect::recordKeys() const

@@ -56,7 +56,7 @@ QString writtenLiteral(const QVariant& value)
 
 QString writtenOperator(sql::BinaryOp op)
 {
-    static const char* const texts[] = {"^", "*", "/", "\\", "Mod", "+", "-", "&", "=", "<>",
+    static const char* const texts[] = {"^", "*", "/",  "\\", "Mod", "+",  "-",   "&",   "=",  "<>",
                                         "<", ">", "<=", ">=", "And", "Or", "Xor", "Eqv", "Imp"};
     return QString::fromLatin1(texts[static_cast<int>(op)]);
 }
@@ -83,11 +83,13 @@ struct Writer {
     }
     QString operator()(const sql::Like& e) const
     {
-        return written(*e.operand) + (e.negated ? u" Not Like "_s : u" Like "_s) + written(*e.pattern);
+        return written(*e.operand) + (e.negated ? u" Not Like "_s : u" Like "_s) +
+               written(*e.pattern);
     }
     QString operator()(const sql::Between& e) const
     {
-        return written(*e.operand) + u" Between "_s + written(*e.low) + u" And "_s + written(*e.high);
+        return written(*e.operand) + u" Between "_s + written(*e.low) + u" And "_s +
+               written(*e.high);
     }
     QString operator()(const sql::InList& e) const { return written(*e.operand) + u" In (…)"_s; }
     QString operator()(const sql::InQuery& e) const { return written(*e.operand) + u" In (…)"_s; }

@@ -74,18 +74,26 @@ namespace {
 QString converter(DataType target)
 {
     switch (target) {
-    case DataType::Boolean: return u"jet_bool"_s;
-    case DataType::Byte: return u"jet_byte"_s;
-    case DataType::Integer: return u"jet_integer"_s;
-    case DataType::Long: return u"jet_long"_s;
+    case DataType::Boolean:
+        return u"jet_bool"_s;
+    case DataType::Byte:
+        return u"jet_byte"_s;
+    case DataType::Integer:
+        return u"jet_integer"_s;
+    case DataType::Long:
+        return u"jet_long"_s;
     case DataType::Currency:
     case DataType::Single:
-    case DataType::Double: return u"jet_double"_s;
-    case DataType::Date: return u"jet_date"_s;
+    case DataType::Double:
+        return u"jet_double"_s;
+    case DataType::Date:
+        return u"jet_date"_s;
     case DataType::Text:
     case DataType::Memo:
-    case DataType::GUID: return u"jet_text"_s;
-    default: return {};
+    case DataType::GUID:
+        return u"jet_text"_s;
+    default:
+        return {};
     }
 }
 

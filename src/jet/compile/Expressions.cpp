@@ -43,7 +43,8 @@ bool byKey(const Emitted& a, const Emitted& b)
 {
     const Family fa = familyOf(a.type);
     const Family fb = familyOf(b.type);
-    return fa == Family::Text || fb == Family::Text || (fa == Family::Unknown && fb == Family::Unknown);
+    return fa == Family::Text || fb == Family::Text ||
+           (fa == Family::Unknown && fb == Family::Unknown);
 }
 
 QString side(const Emitted& value, bool key)
@@ -54,12 +55,18 @@ QString side(const Emitted& value, bool key)
 QString comparisonSign(BinaryOp op)
 {
     switch (op) {
-    case BinaryOp::NotEqual: return u" <> "_s;
-    case BinaryOp::Less: return u" < "_s;
-    case BinaryOp::Greater: return u" > "_s;
-    case BinaryOp::LessEqual: return u" <= "_s;
-    case BinaryOp::GreaterEqual: return u" >= "_s;
-    default: return u" = "_s;
+    case BinaryOp::NotEqual:
+        return u" <> "_s;
+    case BinaryOp::Less:
+        return u" < "_s;
+    case BinaryOp::Greater:
+        return u" > "_s;
+    case BinaryOp::LessEqual:
+        return u" <= "_s;
+    case BinaryOp::GreaterEqual:
+        return u" >= "_s;
+    default:
+        return u" = "_s;
     }
 }
 
@@ -108,16 +115,18 @@ bool joinsPlainly(const Emitted& e)
     return isText(e.type) || isWhole(e.type) || e.type == DataType::Boolean;
 }
 
-// The store reads a flat chain as a tree as deep as it is long, and bounds the depth; the halves of a
-// long one are kept apart.
+// The store reads a flat chain as a tree as deep as it is long, and bounds the depth; the halves of
+// a long one are kept apart.
 Emitted chained(Binding binding, const Emitted& a, const Emitted& b)
 {
     const int members = a.members + b.members;
     const bool apart = members > 40;
     const auto part = [&](const Emitted& e) {
-        return apart && e.members > 1 && e.binding == binding ? u'(' + e.sql + u')' : e.condition(binding);
+        return apart && e.members > 1 && e.binding == binding ? u'(' + e.sql + u')'
+                                                              : e.condition(binding);
     };
-    Emitted chain = logical(part(a) + (binding == Binding::And ? u" AND "_s : u" OR "_s) + part(b), binding);
+    Emitted chain =
+        logical(part(a) + (binding == Binding::And ? u" AND "_s : u" OR "_s) + part(b), binding);
     chain.members = apart ? 2 : members;
     return chain;
 }
@@ -127,7 +136,8 @@ Emitted chained(Binding binding, const Emitted& a, const Emitted& b)
 Emitted Expressions::compile(const sql::Expr& expression, Place place)
 {
     const qsizetype looseBefore = grouping ? grouping->loose.size() : 0;
-    Emitted e = std::visit([&](const auto& n) { return node(n, expression, place); }, expression.node);
+    Emitted e =
+        std::visit([&](const auto& n) { return node(n, expression, place); }, expression.node);
     // Some forms write a part twice; deep nests of them would grow without bound.
     if (e.sql.size() > longestSql)
         fail(3360, written(expression));
@@ -159,7 +169,9 @@ Emitted Expressions::node(const sql::Literal& e, const sql::Expr&, Place)
     out.literal = e.value;
     out.neverNull = e.value.isValid();
     switch (e.value.typeId()) {
-    case QMetaType::UnknownType: out.sql = u"NULL"_s; break;
+    case QMetaType::UnknownType:
+        out.sql = u"NULL"_s;
+        break;
     case QMetaType::Bool:
         out.type = DataType::Boolean;
         out.sql = e.value.toBool() ? u"-1"_s : u"0"_s;
@@ -238,7 +250,8 @@ Emitted Expressions::node(const sql::Unary& e, const sql::Expr& whole, Place)
         fail(3464, written(whole));
     const bool whole32 = isWhole(x.type) || x.type == DataType::Boolean;
     const QString operand = isText(x.type) ? u"jet_cdbl("_s + x.atom() + u')' : x.atom();
-    return plain(u"(- "_s + operand + u')', whole32 ? DataType::Long : commonType(x.type, DataType::Double));
+    return plain(u"(- "_s + operand + u')',
+                 whole32 ? DataType::Long : commonType(x.type, DataType::Double));
 }
 
 Emitted Expressions::node(const sql::Binary& e, const sql::Expr& whole, Place place)
@@ -258,7 +271,8 @@ Emitted Expressions::node(const sql::Binary& e, const sql::Expr& whole, Place pl
 
 void Expressions::noteRange(const Emitted& operand, Place place)
 {
-    rangesAsked = rangesAsked || (place == Place::Filter && operand.column && operand.column->indexed);
+    rangesAsked =
+        rangesAsked || (place == Place::Filter && operand.column && operand.column->indexed);
 }
 
 Emitted Expressions::logicalOperator(const sql::Binary& e, Place place)
@@ -278,7 +292,8 @@ Emitted Expressions::logicalOperator(const sql::Binary& e, Place place)
     case BinaryOp::Equivalent:
         return logical(u'(' + a.condition() + u") = ("_s + b.condition() + u')');
     default:
-        return logical(u"NOT ("_s + a.condition() + u") OR "_s + b.condition(Binding::Or), Binding::Or);
+        return logical(u"NOT ("_s + a.condition() + u") OR "_s + b.condition(Binding::Or),
+                       Binding::Or);
     }
 }
 
@@ -294,7 +309,8 @@ Emitted Expressions::truthTest(BinaryOp op, const Emitted& x, bool truth)
     return logical(x.atom() + (wanted ? u" <> 0"_s : u" = 0"_s));
 }
 
-Emitted Expressions::compare(BinaryOp op, const Emitted& a, const Emitted& b, const sql::Expr& whole)
+Emitted Expressions::compare(BinaryOp op, const Emitted& a, const Emitted& b,
+                             const sql::Expr& whole)
 {
     requireComparable(a, b, whole);
     if (op == BinaryOp::Equal || op == BinaryOp::NotEqual) {
@@ -307,7 +323,8 @@ Emitted Expressions::compare(BinaryOp op, const Emitted& a, const Emitted& b, co
     return logical(side(a, key) + comparisonSign(op) + side(b, key));
 }
 
-Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b, const sql::Expr& whole)
+Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b,
+                                const sql::Expr& whole)
 {
     if (isBinary(a.type) || isBinary(b.type))
         fail(3464, written(whole));
@@ -327,16 +344,20 @@ Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b,
     };
     const QString x = number(a);
     const QString y = number(b);
-    const DataType common = isText(a.type) || isText(b.type) ? DataType::Double
-                                                             : commonType(a.type, b.type);
+    const DataType common =
+        isText(a.type) || isText(b.type) ? DataType::Double : commonType(a.type, b.type);
     switch (op) {
-    case BinaryOp::Power: return plain(u"jet_pow("_s + x + u", "_s + y + u')', DataType::Double);
-    case BinaryOp::IntDivide: return plain(u"jet_idiv("_s + x + u", "_s + y + u')', DataType::Long);
-    case BinaryOp::Modulo: return plain(u"jet_mod("_s + x + u", "_s + y + u')', DataType::Long);
+    case BinaryOp::Power:
+        return plain(u"jet_pow("_s + x + u", "_s + y + u')', DataType::Double);
+    case BinaryOp::IntDivide:
+        return plain(u"jet_idiv("_s + x + u", "_s + y + u')', DataType::Long);
+    case BinaryOp::Modulo:
+        return plain(u"jet_mod("_s + x + u", "_s + y + u')', DataType::Long);
     case BinaryOp::Divide:
         return plain(u"(CAST("_s + x + u" AS REAL) / "_s + divisor(y, b) + u')', DataType::Double);
     case BinaryOp::Multiply:
-        return plain(u'(' + x + u" * "_s + y + u')', common == DataType::Boolean ? DataType::Long : common);
+        return plain(u'(' + x + u" * "_s + y + u')',
+                     common == DataType::Boolean ? DataType::Long : common);
     default:
         break;
     }
@@ -347,18 +368,21 @@ Emitted Expressions::arithmetic(BinaryOp op, const Emitted& a, const Emitted& b,
     return plain(u'(' + x + u" - "_s + y + u')', type);
 }
 
-// The store gives NULL for a division by zero. That serves for a cell of a result; what is stored or
-// tested must fail (11), which the whole division of the dialect does.
+// The store gives NULL for a division by zero. That serves for a cell of a result; what is stored
+// or tested must fail (11), which the whole division of the dialect does.
 QString Expressions::divisor(const QString& sql, const Emitted& value) const
 {
     const bool safe = inOutputs || (value.constant && value.sql.toDouble() != 0);
-    return safe ? sql : u"CASE WHEN "_s + sql + u" = 0 THEN jet_idiv(1, "_s + sql + u") ELSE "_s + sql + u" END"_s;
+    return safe ? sql
+                : u"CASE WHEN "_s + sql + u" = 0 THEN jet_idiv(1, "_s + sql + u") ELSE "_s + sql +
+                      u" END"_s;
 }
 
 Emitted Expressions::add(const Emitted& a, const Emitted& b, const sql::Expr&)
 {
     if (isText(a.type) && isText(b.type))
-        return plain(u'(' + a.atom() + u" || "_s + b.atom() + u')', DataType::Text, a.neverNull && b.neverNull);
+        return plain(u'(' + a.atom() + u" || "_s + b.atom() + u')', DataType::Text,
+                     a.neverNull && b.neverNull);
     const bool numbers = familyOf(a.type) == Family::Number && familyOf(b.type) == Family::Number;
     if (!numbers)
         return plain(u"jet_add("_s + a.atom() + u", "_s + b.atom() + u')', DataType::None);
@@ -390,7 +414,8 @@ QString Expressions::likeRange(const Emitted& operand, const sql::Expr& pattern)
         return {};
     rangesAsked = true;
     const QString key = keyOf(operand);
-    return key + u" >= "_s + blobText(low) + u" AND "_s + key + u" < "_s + blobText(high) + u" AND "_s;
+    return key + u" >= "_s + blobText(low) + u" AND "_s + key + u" < "_s + blobText(high) +
+           u" AND "_s;
 }
 
 Emitted Expressions::node(const sql::Like& e, const sql::Expr& whole, Place place)
@@ -451,7 +476,8 @@ Emitted Expressions::node(const sql::InList& e, const sql::Expr& whole, Place)
         requireComparable(x, value, whole);
         items.append(side(value, key));
     }
-    return logical(side(x, key) + (e.negated ? u" NOT IN ("_s : u" IN ("_s) + items.join(u", "_s) + u')');
+    return logical(side(x, key) + (e.negated ? u" NOT IN ("_s : u" IN ("_s) + items.join(u", "_s) +
+                   u')');
 }
 
 Emitted Expressions::node(const sql::InQuery& e, const sql::Expr& whole, Place)
@@ -463,7 +489,8 @@ Emitted Expressions::node(const sql::InQuery& e, const sql::Expr& whole, Place)
     if (inner.columns.size() != 1)
         fail(3306);
     requireComparable(x, plain({}, inner.columns.front().type), whole);
-    return logical(side(x, form.byKey) + (e.negated ? u" NOT IN ("_s : u" IN ("_s) + inner.sql + u')');
+    return logical(side(x, form.byKey) + (e.negated ? u" NOT IN ("_s : u" IN ("_s) + inner.sql +
+                   u')');
 }
 
 Emitted Expressions::node(const sql::IsNull& e, const sql::Expr&, Place)

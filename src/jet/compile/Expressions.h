@@ -15,11 +15,12 @@ struct Emitted {
     QString sql;
     DataType type = DataType::None;
     Binding binding = Binding::Atom;
-    int members = 1;        ///< Of a chain of AND or OR.
-    bool logical = false;   ///< A condition of the store: 1, 0 or NULL, where the dialect has -1, 0, Null.
+    int members = 1; ///< Of a chain of AND or OR.
+    bool logical =
+        false; ///< A condition of the store: 1, 0 or NULL, where the dialect has -1, 0, Null.
     bool neverNull = false;
-    bool exact = false;     ///< Within the range of its type: stored or written, not computed.
-    bool constant = false;  ///< A literal, whose value is `literal`.
+    bool exact = false;    ///< Within the range of its type: stored or written, not computed.
+    bool constant = false; ///< A literal, whose value is `literal`.
     QVariant literal;
     const SourceColumn* column = nullptr; ///< A column as it is.
 
@@ -31,7 +32,10 @@ struct Emitted {
 /// What comparison, order and uniqueness go by: jet_key(x) for text and for what may be text.
 QString keyOf(const Emitted& value);
 QString keyOf(const QString& sql, DataType type);
-inline bool mayBeText(DataType type) { return isText(type) || type == DataType::None; }
+inline bool mayBeText(DataType type)
+{
+    return isText(type) || type == DataType::None;
+}
 
 /// The type of an expression that gives either.
 DataType commonType(DataType a, DataType b);
@@ -41,8 +45,8 @@ QString assigned(const Emitted& value, DataType target);
 
 /// What the expressions of a grouped SELECT may be made of.
 struct Grouping {
-    QStringList keys;      ///< The grouped expressions, as written for the store.
-    QStringList loose;     ///< Columns met outside of aggregates and keys, for the message.
+    QStringList keys;  ///< The grouped expressions, as written for the store.
+    QStringList loose; ///< Columns met outside of aggregates and keys, for the message.
     bool inAggregate = false;
 };
 
@@ -94,7 +98,8 @@ private:
 
     Emitted column(Scope& scope, const Found& found, const sql::Expr& whole);
     Emitted logicalOperator(const sql::Binary& e, Place place);
-    Emitted arithmetic(sql::BinaryOp op, const Emitted& a, const Emitted& b, const sql::Expr& whole);
+    Emitted arithmetic(sql::BinaryOp op, const Emitted& a, const Emitted& b,
+                       const sql::Expr& whole);
     QString divisor(const QString& sql, const Emitted& value) const;
     Emitted add(const Emitted& a, const Emitted& b, const sql::Expr& whole);
     Emitted truthTest(sql::BinaryOp op, const Emitted& x, bool truth);
@@ -116,7 +121,8 @@ Emitted logical(const QString& sql, Binding binding = Binding::Comparison);
 /// A value of the store.
 Emitted plain(const QString& sql, DataType type, bool neverNull = false);
 
-/// Whether an aggregate of this SELECT stands in the expression (those of sub-selects are their own).
+/// Whether an aggregate of this SELECT stands in the expression (those of sub-selects are their
+/// own).
 bool hasAggregate(const sql::Expr& expression);
 bool isAggregateName(const QString& name);
 /// Whether a sub-select stands in the expression.

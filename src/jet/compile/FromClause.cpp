@@ -136,8 +136,8 @@ void FromClause::reduce(int index, SourceSet rejected)
     Node& node = m_nodes[index];
     if (node.source >= 0)
         return;
-    const SourceSet nullSide = node.kind == JoinKind::Right ? m_nodes[node.left].set()
-                                                            : m_nodes[node.right].set();
+    const SourceSet nullSide =
+        node.kind == JoinKind::Right ? m_nodes[node.left].set() : m_nodes[node.right].set();
     if (node.kind != JoinKind::Inner && (rejected & nullSide) && !inlined(node.right))
         node.kind = JoinKind::Inner;
     m_scope.setVisible(node.first, node.last);

@@ -5,8 +5,8 @@
 
 namespace jet::compiler {
 
-/// `column` of `source` equals an expression that depends on `other`; this holds for every row in which
-/// the source is there at all.
+/// `column` of `source` equals an expression that depends on `other`; this holds for every row in
+/// which the source is there at all.
 struct Equality {
     int source;
     int column;
@@ -23,8 +23,8 @@ public:
     void build(const std::vector<sql::FromPtr>& items);
     void build(const sql::From& item);
 
-    /// Turns outer joins whose null side cannot pass `where` (may be null) into inner ones, and notes
-    /// which sources remain on a null side. To be called once, before text.
+    /// Turns outer joins whose null side cannot pass `where` (may be null) into inner ones, and
+    /// notes which sources remain on a null side. To be called once, before text.
     void reduce(const sql::Expr* where);
 
     QString text(Expressions& expressions);
@@ -34,11 +34,12 @@ public:
     /// The equalities of ON and WHERE.
     std::vector<Equality> equalities(const sql::Expr* where, Expressions& expressions) const;
 
-    /// Where the clause is a chain of left joins behind `target`, each giving at most one row, the columns of
-    /// the others become sub-selects, unless one is named more than twice in `named` and the joins.
-    /// False, and nothing done, where that cannot be. `fixed` tells which columns keep their
-    /// values while the target is changed.
-    bool lookUpOthers(int target, const std::vector<const sql::Expr*>& named, Expressions& expressions,
+    /// Where the clause is a chain of left joins behind `target`, each giving at most one row, the
+    /// columns of the others become sub-selects, unless one is named more than twice in `named` and
+    /// the joins. False, and nothing done, where that cannot be. `fixed` tells which columns keep
+    /// their values while the target is changed.
+    bool lookUpOthers(int target, const std::vector<const sql::Expr*>& named,
+                      Expressions& expressions,
                       const std::function<bool(const Source&, const SourceColumn&)>& fixed);
 
     /// One table, or a chain of left joins behind one: rows come in the order of that table.
@@ -55,7 +56,7 @@ private:
         int left = -1, right = -1; ///< Nodes; -1 for a source.
         int source = -1;
         const sql::Expr* on = nullptr;
-        int first = 0, last = 0;   ///< The sources below it.
+        int first = 0, last = 0; ///< The sources below it.
         SourceSet set() const;
     };
 

@@ -18,30 +18,30 @@ struct Function {
 
 // Each is the function of the store with "jet_" before its name.
 constexpr Function functions[] = {
-    {u"val", 1, 1, DataType::Double},      {u"trim", 1, 1, DataType::Text},
-    {u"ltrim", 1, 1, DataType::Text},      {u"rtrim", 1, 1, DataType::Text},
-    {u"lcase", 1, 1, DataType::Text},      {u"ucase", 1, 1, DataType::Text},
-    {u"strconv", 2, 3, DataType::Text},    {u"left", 2, 2, DataType::Text},
-    {u"right", 2, 2, DataType::Text},      {u"mid", 2, 3, DataType::Text},
-    {u"len", 1, 1, DataType::Long},        {u"instr", 2, 4, DataType::Long},
-    {u"replace", 3, 6, DataType::Text},    {u"cstr", 1, 1, DataType::Text},
-    {u"cint", 1, 1, DataType::Integer},    {u"clng", 1, 1, DataType::Long},
-    {u"cdbl", 1, 1, DataType::Double},     {u"cbool", 1, 1, DataType::Boolean},
-    {u"abs", 1, 1, DataType::None},        {u"int", 1, 1, DataType::None},
-    {u"fix", 1, 1, DataType::None},        {u"round", 1, 2, DataType::None},
-    {u"sgn", 1, 1, DataType::Integer},     {u"sqr", 1, 1, DataType::Double},
-    {u"now", 0, 0, DataType::Date},        {u"format", 1, 4, DataType::Text},
-    {u"asc", 1, 1, DataType::Integer},     {u"chr", 1, 1, DataType::Text},
-    {u"space", 1, 1, DataType::Text},      {u"string", 2, 2, DataType::Text},
+    {u"val", 1, 1, DataType::Double},        {u"trim", 1, 1, DataType::Text},
+    {u"ltrim", 1, 1, DataType::Text},        {u"rtrim", 1, 1, DataType::Text},
+    {u"lcase", 1, 1, DataType::Text},        {u"ucase", 1, 1, DataType::Text},
+    {u"strconv", 2, 3, DataType::Text},      {u"left", 2, 2, DataType::Text},
+    {u"right", 2, 2, DataType::Text},        {u"mid", 2, 3, DataType::Text},
+    {u"len", 1, 1, DataType::Long},          {u"instr", 2, 4, DataType::Long},
+    {u"replace", 3, 6, DataType::Text},      {u"cstr", 1, 1, DataType::Text},
+    {u"cint", 1, 1, DataType::Integer},      {u"clng", 1, 1, DataType::Long},
+    {u"cdbl", 1, 1, DataType::Double},       {u"cbool", 1, 1, DataType::Boolean},
+    {u"abs", 1, 1, DataType::None},          {u"int", 1, 1, DataType::None},
+    {u"fix", 1, 1, DataType::None},          {u"round", 1, 2, DataType::None},
+    {u"sgn", 1, 1, DataType::Integer},       {u"sqr", 1, 1, DataType::Double},
+    {u"now", 0, 0, DataType::Date},          {u"format", 1, 4, DataType::Text},
+    {u"asc", 1, 1, DataType::Integer},       {u"chr", 1, 1, DataType::Text},
+    {u"space", 1, 1, DataType::Text},        {u"string", 2, 2, DataType::Text},
     {u"isnumeric", 1, 1, DataType::Boolean}, {u"year", 1, 1, DataType::Integer},
-    {u"month", 1, 1, DataType::Integer},   {u"day", 1, 1, DataType::Integer},
+    {u"month", 1, 1, DataType::Integer},     {u"day", 1, 1, DataType::Integer},
 };
 
 const Function* findFunction(const QString& name)
 {
     const auto* end = std::end(functions);
-    const auto* found = std::find_if(std::begin(functions), end,
-                                     [&](const Function& f) { return f.name == name; });
+    const auto* found =
+        std::find_if(std::begin(functions), end, [&](const Function& f) { return f.name == name; });
     return found == end ? nullptr : found;
 }
 
@@ -63,7 +63,7 @@ void requireArguments(const sql::Call& call, int fewest, int most, const sql::Ex
 
 bool isAggregateName(const QString& name)
 {
-    static const QStringList names = {u"count"_s, u"sum"_s, u"avg"_s,  u"min"_s,
+    static const QStringList names = {u"count"_s, u"sum"_s,   u"avg"_s, u"min"_s,
                                       u"max"_s,   u"first"_s, u"last"_s};
     return names.contains(name);
 }
@@ -88,7 +88,8 @@ Emitted Expressions::function(const sql::Call& call, const sql::Expr& whole)
 }
 
 // CASE WHEN … THEN … ELSE … END; only the branch that is chosen is evaluated.
-Emitted Expressions::choice(const std::vector<std::pair<QString, Emitted>>& cases, const Emitted& otherwise)
+Emitted Expressions::choice(const std::vector<std::pair<QString, Emitted>>& cases,
+                            const Emitted& otherwise)
 {
     QString text = u"CASE"_s;
     DataType type = otherwise.type;
@@ -119,10 +120,11 @@ std::optional<Emitted> Expressions::special(const sql::Call& call, const sql::Ex
     if (call.name == u"nz"_s) {
         requireArguments(call, 1, 2, whole);
         const Emitted x = argument(0);
-        const bool number = isNumber(x.type) || x.type == DataType::Boolean || x.type == DataType::Date;
+        const bool number =
+            isNumber(x.type) || x.type == DataType::Boolean || x.type == DataType::Date;
         const Emitted instead = call.arguments.size() == 2 ? argument(1)
-                                : number ? plain(u"0"_s, DataType::Long)
-                                         : plain(u"''"_s, DataType::Text);
+                                : number                   ? plain(u"0"_s, DataType::Long)
+                                                           : plain(u"''"_s, DataType::Text);
         return plain(u"coalesce("_s + x.atom() + u", "_s + instead.atom() + u')',
                      commonType(x.type, instead.type), instead.neverNull);
     }
@@ -140,7 +142,7 @@ std::optional<Emitted> Expressions::special(const sql::Call& call, const sql::Ex
         requireArguments(call, 0, 0, whole);
         const QString day = u"CAST(jet_now() AS INTEGER)"_s;
         return plain(call.name == u"date"_s ? u"CAST("_s + day + u" AS REAL)"_s
-                                          : u"(jet_now() - "_s + day + u')',
+                                            : u"(jet_now() - "_s + day + u')',
                      DataType::Date);
     }
     return std::nullopt;
@@ -177,12 +179,14 @@ Emitted Expressions::aggregate(const sql::Call& call, const sql::Expr& whole)
         grouping->inAggregate = false;
     const QString distinct = call.distinct ? u"DISTINCT "_s : QString();
     if (call.name == u"count"_s)
-        return plain(u"count("_s + distinct + (call.distinct ? keyOf(x) : x.atom()) + u')', DataType::Long, true);
+        return plain(u"count("_s + distinct + (call.distinct ? keyOf(x) : x.atom()) + u')',
+                     DataType::Long, true);
     if (call.name == u"first"_s || call.name == u"last"_s)
         return plain(u"jet_"_s + call.name + u'(' + x.atom() + u')', x.type);
     const bool text = isText(x.type);
     if (call.name == u"min"_s || call.name == u"max"_s)
-        return plain(text ? extremeText(call.name, x.atom()) : call.name + u'(' + x.atom() + u')', x.type);
+        return plain(text ? extremeText(call.name, x.atom()) : call.name + u'(' + x.atom() + u')',
+                     x.type);
     if (text || isBinary(x.type))
         fail(3464, written(whole));
     return plain(call.name + u'(' + distinct + x.atom() + u')', DataType::Double);

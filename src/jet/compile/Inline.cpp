@@ -24,7 +24,8 @@ void forEachColumn(const sql::Expr& e, const std::function<void(const sql::Colum
 bool names(const sql::Expr& e, const Scope& scope, int source)
 {
     bool found = false;
-    forEachColumn(e, [&](const sql::ColumnRef& name) { found = found || scope.find(name).source == source; });
+    forEachColumn(
+        e, [&](const sql::ColumnRef& name) { found = found || scope.find(name).source == source; });
     return found;
 }
 
@@ -44,17 +45,19 @@ std::vector<GroupLink> linksOf(const sql::Expr& on, const Scope& scope, int sour
     }
     if (binary->op != BinaryOp::Equal)
         return {};
-    for (const auto& [one, other] : {std::pair(&binary->left, &binary->right), std::pair(&binary->right, &binary->left)}) {
+    for (const auto& [one, other] :
+         {std::pair(&binary->left, &binary->right), std::pair(&binary->right, &binary->left)}) {
         const auto* name = std::get_if<sql::ColumnRef>(&(*one)->node);
         const Found found = name ? scope.find(*name) : Found();
-        if (found.known() && !found.ambiguous && found.source == source
-            && !names(**other, scope, source))
+        if (found.known() && !found.ambiguous && found.source == source &&
+            !names(**other, scope, source))
             return {{found.column, other->get()}};
     }
     return {};
 }
 
-// One row of the group is found through indexes: by the group itself, and by joins on indexed columns.
+// One row of the group is found through indexes: by the group itself, and by joins on indexed
+// columns.
 bool foundByIndex(BoundSelect& inner, const std::vector<int>& groupOutputs)
 {
     SourceSet reached = 0;
@@ -65,13 +68,15 @@ bool foundByIndex(BoundSelect& inner, const std::vector<int>& groupOutputs)
         reached |= bit(output.source);
     }
     Expressions plainExpressions(inner.expressions.context(), inner.scope);
-    const std::vector<Equality> all = inner.from.equalities(inner.tree.where.get(), plainExpressions);
+    const std::vector<Equality> all =
+        inner.from.equalities(inner.tree.where.get(), plainExpressions);
     for (int s = 0; s < int(inner.scope.sources().size()); ++s) {
         const Source& source = inner.scope.sources()[s];
         if (!source.table)
             return false;
         const bool linked = std::any_of(all.begin(), all.end(), [&](const Equality& e) {
-            return e.source == s && source.columns[e.column].indexed && !(e.other & bit(s)) && e.other;
+            return e.source == s && source.columns[e.column].indexed && !(e.other & bit(s)) &&
+                   e.other;
         });
         if (!(reached & bit(s)) && !linked)
             return false;
@@ -81,8 +86,9 @@ bool foundByIndex(BoundSelect& inner, const std::vector<int>& groupOutputs)
 
 bool simplyGrouped(const sql::Query& query)
 {
-    return query.selects.size() == 1 && !query.selects.front().groupBy.empty()
-           && !query.selects.front().top && query.selects.front().predicate != sql::Predicate::Distinct;
+    return query.selects.size() == 1 && !query.selects.front().groupBy.empty() &&
+           !query.selects.front().top &&
+           query.selects.front().predicate != sql::Predicate::Distinct;
 }
 
 } // namespace
@@ -123,7 +129,8 @@ bool FromClause::inlineGrouped(const sql::Join& item, int left, int right, const
         if (text.where.isEmpty())
             text.where = test;
         else
-            text.where = (inner.where == text.where ? u'(' + text.where + u')' : text.where) + u" AND "_s + test;
+            text.where = (inner.where == text.where ? u'(' + text.where + u')' : text.where) +
+                         u" AND "_s + test;
     }
     m_scope.setAllVisible();
     Source& source = m_scope.sources()[place];
@@ -140,7 +147,8 @@ bool FromClause::inlineGrouped(const sql::Join& item, int left, int right, const
 
 // --- Looked up in an UPDATE ------------------------------------------------------------------
 
-// The joins of a chain of left joins of tables behind the target, the nearest first; empty for another shape.
+// The joins of a chain of left joins of tables behind the target, the nearest first; empty for
+// another shape.
 std::vector<int> FromClause::leftChain(int target) const
 {
     std::vector<int> joins;
@@ -148,8 +156,8 @@ std::vector<int> FromClause::leftChain(int target) const
     while (m_nodes[index].source < 0) {
         const Node& node = m_nodes[index];
         const int right = m_nodes[node.right].source;
-        if (node.kind != sql::JoinKind::Left || right < 0 || !m_scope.sources()[right].table || !node.on
-            || hasSubquery(*node.on))
+        if (node.kind != sql::JoinKind::Left || right < 0 || !m_scope.sources()[right].table ||
+            !node.on || hasSubquery(*node.on))
             return {};
         joins.insert(joins.begin(), index);
         index = node.left;
@@ -157,8 +165,9 @@ std::vector<int> FromClause::leftChain(int target) const
     return m_nodes[index].source == target ? joins : std::vector<int>();
 }
 
-bool FromClause::namedSeldom(int source, const std::vector<const sql::Expr*>& named,
-                             const std::function<bool(const Source&, const SourceColumn&)>& fixed) const
+bool FromClause::namedSeldom(
+    int source, const std::vector<const sql::Expr*>& named,
+    const std::function<bool(const Source&, const SourceColumn&)>& fixed) const
 {
     int times = 0;
     bool steady = true;
@@ -175,18 +184,20 @@ bool FromClause::namedSeldom(int source, const std::vector<const sql::Expr*>& na
     return steady && times <= 2;
 }
 
-bool FromClause::lookUpOthers(int target, const std::vector<const sql::Expr*>& named, Expressions& expressions,
+bool FromClause::lookUpOthers(int target, const std::vector<const sql::Expr*>& named,
+                              Expressions& expressions,
                               const std::function<bool(const Source&, const SourceColumn&)>& fixed)
 {
     const std::vector<int> joins = leftChain(target);
-    if (joins.empty() || std::any_of(named.begin(), named.end(), [](const auto* e) { return hasSubquery(*e); }))
+    if (joins.empty() ||
+        std::any_of(named.begin(), named.end(), [](const auto* e) { return hasSubquery(*e); }))
         return false;
     for (size_t i = 0; i < joins.size(); ++i) {
         std::vector<const sql::Expr*> all = named;
         for (size_t later = i + 1; later < joins.size(); ++later)
             all.push_back(m_nodes[joins[later]].on);
-        if (!namedSeldom(m_nodes[m_nodes[joins[i]].right].source, all, fixed)
-            || !namedSeldom(m_nodes[m_nodes[joins[i]].right].source, {m_nodes[joins[i]].on}, fixed))
+        if (!namedSeldom(m_nodes[m_nodes[joins[i]].right].source, all, fixed) ||
+            !namedSeldom(m_nodes[m_nodes[joins[i]].right].source, {m_nodes[joins[i]].on}, fixed))
             return false;
     }
     for (int index : joins) {

@@ -1,4 +1,5 @@
-// What conditions tell about rows: which outer joins are inner ones, and where a join cannot multiply.
+// What conditions tell about rows: which outer joins are inner ones, and where a join cannot
+// multiply.
 #include "jet/compile/FromClause.h"
 
 namespace jet::compiler {
@@ -8,7 +9,8 @@ using sql::BinaryOp;
 
 namespace {
 
-// Finds the sources that must have a row (not the null row of an outer join) where a condition holds.
+// Finds the sources that must have a row (not the null row of an outer join) where a condition
+// holds.
 class NullRejection {
 public:
     explicit NullRejection(const Scope& scope) : m_scope(scope) {}
@@ -25,7 +27,8 @@ private:
     {
         if (const auto* name = std::get_if<sql::ColumnRef>(&e.node)) {
             const Found found = m_scope.find(*name);
-            const bool sure = found.known() && !found.ambiguous && !m_scope.sources()[found.source].inlined;
+            const bool sure =
+                found.known() && !found.ambiguous && !m_scope.sources()[found.source].inlined;
             return sure ? bit(found.source) : 0;
         }
         if (const auto* unary = std::get_if<sql::Unary>(&e.node))
@@ -35,10 +38,13 @@ private:
             return carries ? strict(*binary->left) | strict(*binary->right) : 0;
         }
         if (const auto* call = std::get_if<sql::Call>(&e.node)) {
-            static const QStringList carrying = {u"val"_s,   u"trim"_s,  u"ltrim"_s, u"rtrim"_s, u"lcase"_s,
-                                                 u"ucase"_s, u"left"_s,  u"right"_s, u"mid"_s,   u"len"_s,
-                                                 u"abs"_s,   u"int"_s,   u"round"_s, u"strconv"_s};
-            return carrying.contains(call->name) && !call->arguments.empty() ? strict(*call->arguments[0]) : 0;
+            static const QStringList carrying = {u"val"_s,   u"trim"_s,   u"ltrim"_s, u"rtrim"_s,
+                                                 u"lcase"_s, u"ucase"_s,  u"left"_s,  u"right"_s,
+                                                 u"mid"_s,   u"len"_s,    u"abs"_s,   u"int"_s,
+                                                 u"round"_s, u"strconv"_s};
+            return carrying.contains(call->name) && !call->arguments.empty()
+                       ? strict(*call->arguments[0])
+                       : 0;
         }
         return 0;
     }
@@ -53,10 +59,12 @@ private:
         if (n.op > BinaryOp::Or)
             return 0;
         if (n.op == BinaryOp::Equal || n.op == BinaryOp::NotEqual) {
-            for (const auto& [truth, tested] : {std::pair(&n.right, &n.left), std::pair(&n.left, &n.right)}) {
+            for (const auto& [truth, tested] :
+                 {std::pair(&n.right, &n.left), std::pair(&n.left, &n.right)}) {
                 const auto* literal = std::get_if<sql::Literal>(&(*truth)->node);
                 if (literal && literal->value.typeId() == QMetaType::Bool)
-                    return where(**tested, (literal->value.toBool() == (n.op == BinaryOp::Equal)) == wanted);
+                    return where(**tested,
+                                 (literal->value.toBool() == (n.op == BinaryOp::Equal)) == wanted);
             }
         }
         return strict(e) | (n.op >= BinaryOp::Equal ? strict(*n.left) | strict(*n.right) : 0);
@@ -120,9 +128,10 @@ void FromClause::collect(int index, Expressions& expressions, std::vector<Equali
     if (node.source >= 0)
         return;
     if (node.on && !inlined(node.right)) {
-        const SourceSet determinable = node.kind == sql::JoinKind::Left    ? m_nodes[node.right].set()
-                                       : node.kind == sql::JoinKind::Right ? m_nodes[node.left].set()
-                                                                           : node.set();
+        const SourceSet determinable = node.kind == sql::JoinKind::Left ? m_nodes[node.right].set()
+                                       : node.kind == sql::JoinKind::Right
+                                           ? m_nodes[node.left].set()
+                                           : node.set();
         m_scope.setVisible(node.first, node.last);
         collect(*node.on, determinable, expressions, out);
         m_scope.setAllVisible();
@@ -131,8 +140,8 @@ void FromClause::collect(int index, Expressions& expressions, std::vector<Equali
     collect(node.right, expressions, out);
 }
 
-void FromClause::collect(const sql::Expr& condition, SourceSet determinable, Expressions& expressions,
-                         std::vector<Equality>& out) const
+void FromClause::collect(const sql::Expr& condition, SourceSet determinable,
+                         Expressions& expressions, std::vector<Equality>& out) const
 {
     const auto* binary = std::get_if<sql::Binary>(&condition.node);
     if (!binary)
@@ -144,7 +153,8 @@ void FromClause::collect(const sql::Expr& condition, SourceSet determinable, Exp
     }
     if (binary->op != BinaryOp::Equal)
         return;
-    for (const auto& [one, other] : {std::pair(&binary->left, &binary->right), std::pair(&binary->right, &binary->left)}) {
+    for (const auto& [one, other] :
+         {std::pair(&binary->left, &binary->right), std::pair(&binary->right, &binary->left)}) {
         const auto* name = std::get_if<sql::ColumnRef>(&(*one)->node);
         const Found found = name ? m_scope.find(*name) : Found();
         if (!found.known() || found.ambiguous || !(bit(found.source) & determinable))
@@ -167,8 +177,8 @@ bool FromClause::determines(SourceSet known, const sql::Expr* where, Expressions
     const auto unique = [&](int source) {
         const auto& keys = m_scope.sources()[source].keys;
         return std::any_of(keys.begin(), keys.end(), [&](const std::vector<int>& key) {
-            return !key.empty()
-                   && std::all_of(key.begin(), key.end(), [&](int column) { return fixed(source, column); });
+            return !key.empty() && std::all_of(key.begin(), key.end(),
+                                               [&](int column) { return fixed(source, column); });
         });
     };
     const SourceSet wanted = standing();

@@ -37,7 +37,8 @@ QStringList outputKeys(const std::vector<Output>& outputs)
 // Writes one SELECT that is not keyed.
 class Writer {
 public:
-    Writer(const BoundSelect& select, std::vector<OrderTerm> order, bool explicitOrder, NestedForm form)
+    Writer(const BoundSelect& select, std::vector<OrderTerm> order, bool explicitOrder,
+           NestedForm form)
         : m_select(select), m_order(std::move(order)), m_explicit(explicitOrder), m_form(form),
           m_outputs(select.outputs), m_text(clauses(select))
     {
@@ -56,7 +57,8 @@ public:
         if (ranked)
             return rankedText();
         if (tree.top)
-            m_text.limit = m_text.limit.isEmpty() || *tree.top == 0 ? QString::number(*tree.top) : m_text.limit;
+            m_text.limit = m_text.limit.isEmpty() || *tree.top == 0 ? QString::number(*tree.top)
+                                                                    : m_text.limit;
         for (int i = 0; i < int(m_outputs.size()); ++i)
             m_text.columns.append(named(value(i), columnName(i)));
         m_text.orderBy = texts(m_order);
@@ -169,13 +171,15 @@ std::vector<NestedColumn> columnsOf(const BoundSelect& select)
 {
     std::vector<NestedColumn> columns;
     for (const Output& output : select.outputs)
-        columns.push_back({output.name, output.value.type, output.value.exact, output.value.neverNull});
+        columns.push_back(
+            {output.name, output.value.type, output.value.exact, output.value.neverNull});
     return columns;
 }
 
 } // namespace
 
-Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orderBy, NestedForm form)
+Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orderBy,
+                    NestedForm form)
 {
     const bool ranked = select.tree.top.has_value();
     std::vector<OrderTerm> order;
@@ -187,7 +191,8 @@ Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orde
     Nested nested;
     nested.columns = columnsOf(select);
     nested.keys = uniqueOutputs(select);
-    nested.updatable = !select.grouped && !select.tree.top && select.tree.predicate != sql::Predicate::Distinct;
+    nested.updatable =
+        !select.grouped && !select.tree.top && select.tree.predicate != sql::Predicate::Distinct;
     nested.sql = Writer(select, std::move(order), explicitOrder, form).text();
     return nested;
 }
@@ -259,7 +264,8 @@ QString unionOrder(const sql::OrderItem& item, const Chain& chain)
     }
     if (output < 0 || output >= int(chain.columns.size()))
         fail(3138, {}, written(*item.expression));
-    return keyOf(quoted(position(output)), chain.columns[output].type) + (item.descending ? u" DESC"_s : u""_s);
+    return keyOf(quoted(position(output)), chain.columns[output].type) +
+           (item.descending ? u" DESC"_s : u""_s);
 }
 
 } // namespace

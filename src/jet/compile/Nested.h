@@ -5,7 +5,8 @@
 
 namespace jet::compiler {
 
-Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orderBy, NestedForm form);
+Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orderBy,
+                    NestedForm form);
 Nested nestedUnion(Context& context, const sql::Query& query, Scope* outer, NestedForm form);
 
 } // namespace jet::compiler

@@ -11,7 +11,8 @@ namespace {
 // Writes a query whose rows are known by the identifiers of their records.
 class KeyedWriter {
 public:
-    KeyedWriter(BoundSelect& select, std::vector<OrderTerm> order) : m_select(select), m_order(std::move(order))
+    KeyedWriter(BoundSelect& select, std::vector<OrderTerm> order)
+        : m_select(select), m_order(std::move(order))
     {
         const SourceSet giving = select.contributing();
         for (int s = 0; s < int(select.scope.sources().size()); ++s) {
@@ -30,8 +31,8 @@ public:
             text.orderBy.append(term.text());
         // Without an order of its own a query follows its first table, which costs nothing there
         // and keeps pages from shifting. Where an index gives a range, its order is left.
-        if (m_order.empty() && m_select.from.followsFirst() && m_sources.front() == 0
-            && !m_select.expressions.rangesAsked)
+        if (m_order.empty() && m_select.from.followsFirst() && m_sources.front() == 0 &&
+            !m_select.expressions.rangesAsked)
             text.orderBy.append(source(0).rowId);
         text.columns = identifierColumns();
         query.keySql = text.text();
@@ -90,7 +91,8 @@ private:
         text.from = u"(SELECT "_s + keys.join(u", "_s) + u") AS \".k\""_s;
         for (size_t i = 0; i < m_sources.size(); ++i) {
             const Source& s = source(m_sources[i]);
-            text.from += u" LEFT JOIN "_s + s.sql + u" ON "_s + s.rowId + u" = \".k\".\"r"_s + QString::number(i) + u'"';
+            text.from += u" LEFT JOIN "_s + s.sql + u" ON "_s + s.rowId + u" = \".k\".\"r"_s +
+                         QString::number(i) + u'"';
         }
         return text.text();
     }

@@ -8,7 +8,7 @@ namespace jet::compiler {
 
 /// How a query that stands within another statement is written.
 struct NestedForm {
-    bool byKey = false;      ///< Outputs as their keys, for comparison with the key of another value.
+    bool byKey = false; ///< Outputs as their keys, for comparison with the key of another value.
     bool keepOrder = false;  ///< With its ORDER BY.
     bool positional = false; ///< Outputs are called c1, c2 …
     bool whole = false;      ///< A statement of its own: groups come in the order of their keys.
@@ -41,7 +41,7 @@ struct Output {
     Emitted value;
     SourceSet uses = 0;  ///< As Scope::touched.
     SourceSet names = 0; ///< As Scope::named.
-    int source = -1; ///< Of a plain column: where it comes from.
+    int source = -1;     ///< Of a plain column: where it comes from.
     int column = -1;
     bool unnamed = false; ///< A plain column without an alias.
 };
@@ -58,7 +58,8 @@ struct OrderTerm {
 class BoundSelect {
 public:
     /// `above`: the scope within whose statement it will be written; only keeps names apart.
-    BoundSelect(Context& context, const sql::Select& select, Scope* outer, const Scope* above = nullptr);
+    BoundSelect(Context& context, const sql::Select& select, Scope* outer,
+                const Scope* above = nullptr);
 
     std::vector<OrderTerm> order(const std::vector<sql::OrderItem>& items);
     /// What the rows come in order of when nothing is asked: the keys of GROUP BY or DISTINCT.
@@ -66,10 +67,11 @@ public:
 
     /// The sources whose records the outputs are worked out from.
     SourceSet contributing() const;
-    /// What tells the rows of DISTINCTROW apart: the identifiers of the records that give outputs. Of a
-    /// derived table all columns, of an inlined one its group.
+    /// What tells the rows of DISTINCTROW apart: the identifiers of the records that give outputs.
+    /// Of a derived table all columns, of an inlined one its group.
     QStringList recordKeys() const;
-    /// DISTINCTROW has rows to drop: some tables, not all, give outputs, and the others may multiply.
+    /// DISTINCTROW has rows to drop: some tables, not all, give outputs, and the others may
+    /// multiply.
     bool dropsRows() const { return m_dropsRows; }
 
     const sql::Select& tree;

@@ -157,7 +157,8 @@ Found Scope::find(const sql::ColumnRef& name) const
     if (found.known() || !name.table.isEmpty())
         return found;
     // `[t.c]` written as one name means the column c of t when there is no column so called.
-    for (qsizetype dot = name.column.indexOf(u'.'); dot > 0; dot = name.column.indexOf(u'.', dot + 1)) {
+    for (qsizetype dot = name.column.indexOf(u'.'); dot > 0;
+         dot = name.column.indexOf(u'.', dot + 1)) {
         found = findIn(name.column.left(dot), name.column.mid(dot + 1));
         if (found.known())
             return found;

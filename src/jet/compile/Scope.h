@@ -11,26 +11,29 @@ namespace jet::compiler {
 /// A set of sources of one scope, bit n for source n.
 using SourceSet = quint64;
 inline constexpr int mostSources = 60;
-inline SourceSet bit(int source) { return SourceSet(1) << source; }
+inline SourceSet bit(int source)
+{
+    return SourceSet(1) << source;
+}
 
 struct SourceColumn {
     QString name;
     DataType type = DataType::None;
-    QString sql;          ///< How it is written in the store.
-    SourceSet uses = 0;   ///< The sources that a row of it depends on.
+    QString sql;                  ///< How it is written in the store.
+    SourceSet uses = 0;           ///< The sources that a row of it depends on.
     const Field* field = nullptr; ///< Of a table; null for a derived one.
-    bool indexed = false; ///< An index begins with it.
-    bool exact = false;   ///< Within the range of its type.
+    bool indexed = false;         ///< An index begins with it.
+    bool exact = false;           ///< Within the range of its type.
     bool neverNull = false;
 };
 
 /// A table, a stored query or a derived table in a FROM clause.
 struct Source {
-    QString alias;    ///< The name it goes by in the statement.
-    QString sqlAlias; ///< The name it goes by in the store.
+    QString alias;                   ///< The name it goes by in the statement.
+    QString sqlAlias;                ///< The name it goes by in the store.
     const TableDef* table = nullptr; ///< Null for a derived one.
-    QString rowId;    ///< The reference of its row identifier; empty for a derived one.
-    QString sql;      ///< What stands in the FROM clause of the store.
+    QString rowId; ///< The reference of its row identifier; empty for a derived one.
+    QString sql;   ///< What stands in the FROM clause of the store.
     std::vector<SourceColumn> columns;
     /// Columns (by position) of which no two rows hold the same values.
     std::vector<std::vector<int>> keys;
@@ -78,8 +81,8 @@ public:
 
     /// The sources that have been referred to since this was last emptied.
     SourceSet touched = 0;
-    /// The same by name: a column that is a sub-select names its source and touches those that it is
-    /// looked up by.
+    /// The same by name: a column that is a sub-select names its source and touches those that it
+    /// is looked up by.
     SourceSet named = 0;
 
 private:

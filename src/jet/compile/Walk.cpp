@@ -54,7 +54,8 @@ void forEachPart(const sql::Expr& expression, const Visit& visit)
 
 bool hasAggregate(const sql::Expr& expression)
 {
-    if (const auto* call = std::get_if<sql::Call>(&expression.node); call && isAggregateName(call->name))
+    if (const auto* call = std::get_if<sql::Call>(&expression.node);
+        call && isAggregateName(call->name))
         return true;
     bool found = false;
     forEachPart(expression, [&](const sql::Expr& part) { found = found || hasAggregate(part); });
@@ -63,9 +64,9 @@ bool hasAggregate(const sql::Expr& expression)
 
 bool hasSubquery(const sql::Expr& expression)
 {
-    if (std::holds_alternative<sql::InQuery>(expression.node)
-        || std::holds_alternative<sql::Exists>(expression.node)
-        || std::holds_alternative<sql::ScalarQuery>(expression.node))
+    if (std::holds_alternative<sql::InQuery>(expression.node) ||
+        std::holds_alternative<sql::Exists>(expression.node) ||
+        std::holds_alternative<sql::ScalarQuery>(expression.node))
         return true;
     bool found = false;
     forEachPart(expression, [&](const sql::Expr& part) { found = found || hasSubquery(part); });
