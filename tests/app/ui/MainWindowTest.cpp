@@ -1,5 +1,7 @@
 #include "WindowFixture.h"
 
+#include "app/ui/Captures.h"
+
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLabel>
@@ -234,6 +236,51 @@ TEST_F(Window, AnAssociationAgreedToIsWritten)
                          platform::Answer::Yes);
     program->startUp(association, {});
     EXPECT_EQ(association.command, folder.path() + u"/herbora"_s);
+}
+
+TEST_F(Window, ViewCommandsDoWhatTheySay)
+{
+    makeProject();
+    openProject();
+    app::GridTab* grid = openRecords(u"Individus"_s);
+    grid->view().setColumnWidth(0, 700);
+    trigger(u"fitColumns"_s);
+    EXPECT_LT(grid->view().columnWidth(0), 300);
+    auto* tree = widget<QTreeView>(u"moduleTree"_s);
+    const QModelIndex selections = window().dock().model().indexOf(u"Sélections"_s);
+    trigger(u"collapseAll"_s);
+    EXPECT_FALSE(tree->isExpanded(selections));
+    EXPECT_TRUE(tree->isExpanded(window().dock().model().index(0, 0)));
+    trigger(u"expandAll"_s);
+    EXPECT_TRUE(tree->isExpanded(selections));
+    trigger(u"showTree"_s);
+    EXPECT_TRUE(window().dock().isHidden());
+    trigger(u"showToolBar"_s);
+    EXPECT_TRUE(widget<QWidget>(u"toolBar"_s)->isHidden());
+    trigger(u"fullScreen"_s);
+    EXPECT_TRUE(window().isFullScreen());
+    trigger(u"closeTab"_s);
+    EXPECT_EQ(window().documents().grids().size(), 0);
+    trigger(u"quit"_s);
+    EXPECT_FALSE(window().isVisible());
+}
+
+TEST_F(Window, PicturesAreTakenAndTheProjectStaysAsItIs)
+{
+    makeProject();
+    openProject(); // the first opening writes the version into it
+    stop();
+    const QStringList files = QDir(folder.path()).entryList(QDir::Files);
+    const QDateTime date = QFileInfo(path()).lastModified();
+    EXPECT_EQ(app::takeCaptures(path(u"images"_s), path(), folder.path()), 0);
+    const QDir images(path(u"images"_s));
+    EXPECT_EQ(images.entryList({u"*.png"_s}).size(), 11);
+    EXPECT_EQ(QImage(images.filePath(u"individus-sombre.png"_s)).size(),
+              QImage(images.filePath(u"individus.png"_s)).size());
+    EXPECT_EQ(QFileInfo(path()).lastModified(), date);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), files);
+    support::expectWarning(u"opening failed: 3024"_s);
+    EXPECT_EQ(app::takeCaptures(path(u"images"_s), path(u"absent.hbx"_s), folder.path()), 1);
 }
 
 TEST_F(Window, AboutNamesTheVersion)
