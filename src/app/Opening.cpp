@@ -40,30 +40,42 @@ void updateVersion(jet::Database& database, const QString& running)
     database.SetProperty(versionProperty, running);
 }
 
-/// Modules whose provider is part of the program or the user; a library's come with their library.
-QStringList connectedNames(const QList<data::ModuleRecord>& modules)
+} // namespace
+
+void Session::openFile(const QString& path)
 {
-    QStringList names;
-    for (const data::ModuleRecord& module : modules) {
-        const bool builtIn = module.isIndividus() || module.name == data::moduleDéterminations;
-        if (builtIn || module.isUser())
-            names << module.name;
-    }
-    return names;
+    close();
+    removeStrayFiles(path);
+    m_database = jet::Database::Open(path);
+    m_dictionary = std::make_unique<data::Dictionary>(*m_database, m_surroundings.clock,
+                                                      m_surroundings.dialogues);
+    m_properties = std::make_unique<data::PropertyStore>(*m_database, m_surroundings.clock);
+    m_addins = std::make_unique<Addins>(addinFolder(), *m_host, m_surroundings.dialogues);
 }
 
-} // namespace
+void Session::validateStructure()
+{
+    if (m_database->readOnly())
+        return;
+    m_dictionary->markUnconnected(m_addins->keptModules(m_dictionary->modules()));
+    m_dictionary->purge();
+    m_dictionary->save();
+}
+
+void Session::connectModules()
+{
+    m_dictionary->load();
+    m_addins->attach(*m_database, m_dictionary->modules());
+    if (m_addins->isEmpty())
+        throw jet::Error(noModuleError, u"Aucun Module attaché à la collection ColAddin"_s,
+                         u"LoadDataBase"_s);
+}
 
 void Session::runOpening(const QString& path, platform::Progression& progression)
 {
     progression.step(u"Ouverture de la base de donnée"_s, 0);
-    close();
-    removeStrayFiles(path);
-    m_database = jet::Database::Open(path);
+    openFile(path);
     jet::Database& database = *m_database;
-    m_dictionary = std::make_unique<data::Dictionary>(database, m_surroundings.clock,
-                                                      m_surroundings.dialogues);
-    m_properties = std::make_unique<data::PropertyStore>(database, m_surroundings.clock);
 
     // What an older file lacks is brought in as one unit: a file is as before or up to date.
     std::optional<jet::Operation> operation;
@@ -86,24 +98,18 @@ void Session::runOpening(const QString& path, platform::Progression& progression
     m_dictionary->load();
 
     progression.step(u"Connexion aux addin"_s, 40);
-    const QList<data::ModuleRecord> builtIn = data::builtInModules();
+    m_addins->connectAll(*m_dictionary);
+    // Said here: what is purged below is not in the list any more when the modules are attached.
+    m_addins->reportMissing(m_dictionary->modules());
 
     progression.step(u"Vérification et synchronisation des mises à jour"_s, 50);
-    for (const data::ModuleRecord& module : builtIn)
-        m_dictionary->put(module);
+    m_addins->synchronise(database, *m_dictionary);
 
     progression.step(u"Validation de la Structure"_s, 60);
-    if (!database.readOnly()) {
-        m_dictionary->markUnconnected(connectedNames(m_dictionary->modules()));
-        m_dictionary->purge();
-        m_dictionary->save();
-    }
+    validateStructure();
 
     progression.step(u"Ouverture de la Structure"_s, 70);
-    m_dictionary->load();
-    if (m_dictionary->modules().isEmpty())
-        throw jet::Error(noModuleError, u"Aucun Module attaché à la collection ColAddin"_s,
-                         u"LoadDataBase"_s);
+    connectModules();
     if (operation)
         operation->commit();
 

@@ -42,7 +42,10 @@ void fillNewProject(jet::Database& database, const Surroundings& surroundings)
 
 } // namespace
 
-Session::Session(Surroundings surroundings) : m_surroundings(std::move(surroundings)) {}
+Session::Session(Surroundings surroundings)
+    : m_surroundings(std::move(surroundings)), m_host(std::make_unique<HostBase>(*this))
+{
+}
 
 Session::~Session()
 {
@@ -94,6 +97,9 @@ bool Session::create(const QString& path, platform::Progression& progression)
 
 void Session::close()
 {
+    // Add-ins give their rows back while the file is still open.
+    m_addins.reset();
+    m_host->forgetProject();
     m_properties.reset();
     m_dictionary.reset();
     m_selections.clear();
@@ -158,6 +164,16 @@ data::PropertyStore& Session::properties() const
 const QList<data::ModuleRecord>& Session::modules() const
 {
     return m_dictionary ? m_dictionary->modules() : noModules();
+}
+
+Addins& Session::addins() const
+{
+    return *m_addins;
+}
+
+QString Session::addinFolder() const
+{
+    return m_surroundings.applicationFolder + u"/addins"_s;
 }
 
 QList<qint32>& Session::selection(const QString& module)

@@ -1,6 +1,8 @@
 // The one open project and everything loaded from it.
 #pragma once
 
+#include "app/Addins.h"
+#include "app/HostBase.h"
 #include "data/Dictionary.h"
 #include "data/PropertyStore.h"
 #include "jet/Database.h"
@@ -54,8 +56,16 @@ public:
     jet::Database& database() const;
     data::Dictionary& dictionary() const;
     data::PropertyStore& properties() const;
-    /// Connected modules in module order ("ColAddin").
+    /// The modules of the project in their order, those whose library could not be connected among them.
     const QList<data::ModuleRecord>& modules() const;
+    /// What serves the connected modules ("ColAddin").
+    Addins& addins() const;
+    /// What add-ins call back.
+    HostBase& host() { return *m_host; }
+    /// The folder of the add-in libraries.
+    QString addinFolder() const;
+    /// A number that this session has not given before.
+    qint32 nextId() { return ++m_counter; }
     /// Records in the floating selection of a module.
     QList<qint32>& selection(const QString& module);
     int selectionCount(const QString& module) const;
@@ -63,15 +73,20 @@ public:
     const Surroundings& surroundings() const { return m_surroundings; }
 
 private:
-    struct Opening;
     void runOpening(const QString& path, platform::Progression& progression);
+    void openFile(const QString& path);
+    void validateStructure();
+    void connectModules();
     void reportOpening(const jet::Error& error);
 
     Surroundings m_surroundings;
     std::unique_ptr<jet::Database> m_database;
     std::unique_ptr<data::Dictionary> m_dictionary;
     std::unique_ptr<data::PropertyStore> m_properties;
+    std::unique_ptr<HostBase> m_host;
+    std::unique_ptr<Addins> m_addins;
     QHash<QString, QList<qint32>> m_selections;
+    qint32 m_counter = 0;
 };
 
 } // namespace app

@@ -113,9 +113,4 @@ ModuleRecord coreImages()
     return module;
 }
 
-QList<ModuleRecord> builtInModules()
-{
-    return {coreIndividus(), coreDéterminations()};
-}
-
 } // namespace data

@@ -13,7 +13,4 @@ ModuleRecord coreDéterminations();
 /// A user module from the start, so that its fields can be extended.
 ModuleRecord coreImages();
 
-/// The modules that are part of the program, in their order.
-QList<ModuleRecord> builtInModules();
-
 } // namespace data

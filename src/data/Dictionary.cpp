@@ -178,6 +178,88 @@ void Dictionary::put(const ModuleRecord& module)
     m_modules.append(module);
 }
 
+namespace {
+
+/// The new type where the column that stands can hold its values, else the old one.
+int heldType(const FieldRecord& known, int type)
+{
+    const auto column = columnOfType(known.type, known.column);
+    const auto wanted = columnOfType(type, known.column);
+    return !column || (wanted && wanted->Type == column->Type && wanted->Size == column->Size) ? type : known.type;
+}
+
+void takeOver(FieldRecord& known, const FieldRecord& given)
+{
+    const FieldRecord old = known;
+    known = given;
+    known.type = heldType(old, given.type);
+    known.index = old.index;
+    if (!old.descriptors.isEmpty())
+        known.descriptors = old.descriptors;
+}
+
+void takeOver(ModuleRecord& known, const ModuleRecord& given)
+{
+    known.label = given.label;
+    known.provider = given.provider;
+    known.version = given.version;
+    known.flags = (known.flags & Interface) | given.flags;
+    if (!given.help.isEmpty())
+        known.help = given.help;
+    if (!given.icon.isEmpty())
+        known.icon = given.icon;
+}
+
+} // namespace
+
+/// Merges a module into the list; false when that changes nothing.
+bool Dictionary::merge(const ModuleRecord& given)
+{
+    const auto at = std::find_if(m_modules.begin(), m_modules.end(),
+                                 [&](const ModuleRecord& known) { return jet::sameName(known.name, given.name); });
+    if (at == m_modules.end()) {
+        m_modules.append(given);
+        return true;
+    }
+    ModuleRecord& known = *at;
+    const ModuleRecord before = known;
+    const bool renewed = known.version != given.version || known.provider != given.provider;
+    if (renewed)
+        takeOver(known, given);
+    else if (known.icon.isEmpty())
+        known.icon = given.icon;
+    for (const FieldRecord& field : given.fields) {
+        const auto own = std::find_if(known.fields.begin(), known.fields.end(), [&](const FieldRecord& other) {
+            return jet::sameName(other.column, field.column);
+        });
+        if (own == known.fields.end())
+            known.fields.append(field);
+        else if (renewed && own->provider != providerUser)
+            takeOver(*own, field);
+    }
+    return known != before;
+}
+
+bool Dictionary::synchronise(const ModuleRecord& given)
+{
+    const QList<ModuleRecord> before = m_modules;
+    try {
+        if (!merge(given))
+            return true;
+        const ModuleRecord module = *this->module(given.name);
+        saveModule(module);
+        for (const FieldRecord& field : module.fields)
+            saveField(module, field);
+        if (buildModuleTable(m_database, module, m_dialogues))
+            return true;
+    } catch (...) {
+        m_modules = before;
+        throw;
+    }
+    m_modules = before;
+    return false;
+}
+
 void Dictionary::save()
 {
     for (const ModuleRecord& module : std::as_const(m_modules)) {
@@ -189,7 +271,10 @@ void Dictionary::save()
 
 void Dictionary::saveModule(const ModuleRecord& module)
 {
-    qint32 flags = Connecté | (module.flags & (Interface | MixteUnique));
+    qint32 flags = module.flags & (Interface | MixteUnique);
+    // A module that is not connected and need not be is left so: with the bit it would be lost at the next opening.
+    const bool connected = !m_marked || m_connected.contains(module.name, Qt::CaseInsensitive);
+    flags |= connected ? Connecté : module.flags & Connecté;
     if (module.individuUnique())
         flags |= Unique;
     try {

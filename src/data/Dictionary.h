@@ -21,6 +21,12 @@ public:
 
     /// Puts a definition into memory: adds it, or takes its fields over into the one of that name.
     void put(const ModuleRecord& module);
+    /// Brings a module to what its provider says, rows and table: the whole of it when the dictionary does not know the
+    /// module or has it from another version or provider, otherwise only the fields that it lacks. Order, vocabularies
+    /// and own fields of the user stay, and so does the type of a field whose column cannot hold the new one. False when
+    /// the table could not be built (said in a box); then, and where it throws, memory is as before, and the caller
+    /// undoes what was written.
+    bool synchronise(const ModuleRecord& given);
     /// Writes modules and fields back; rows that would not change are not written.
     void save();
     /// Sets `Index` to -1 for rows (with bit 2) of modules that are not among these.
@@ -31,6 +37,7 @@ public:
     void deleteDefinitions(const QString& module, const QString& provider);
 
 private:
+    bool merge(const ModuleRecord& given);
     QList<FieldRecord> loadFields(const QString& module) const;
     void saveModule(const ModuleRecord& module);
     void saveField(const ModuleRecord& module, const FieldRecord& field);
@@ -41,6 +48,8 @@ private:
     const platform::Clock& m_clock;
     platform::Dialogues& m_dialogues;
     QList<ModuleRecord> m_modules;
+    QStringList m_connected; ///< Of the last marking.
+    bool m_marked = false;
 };
 
 } // namespace data

@@ -62,6 +62,8 @@ QList<Row> readRows(jet::Database& database, const QString& statement)
 
 void Dictionary::markUnconnected(const QStringList& connected)
 {
+    m_connected = connected;
+    m_marked = true;
     QString statement = u"SELECT * From PGTableDefs"_s;
     QStringList names;
     for (const QString& name : connected)
