@@ -23,6 +23,8 @@ public:
 };
 
 struct Database::Private {
+    Private() { store.stopWhen(&cancelled); }
+
     Store store;
     Schema schema;
     QString path;

@@ -176,7 +176,6 @@ std::unique_ptr<Recordset> Database::OpenRecordset(const QString& source, Record
 void Database::Interrupt()
 {
     d->cancelled = true;
-    d->store.interrupt();
 }
 
 void Database::SetProgress(std::function<bool()> callback)

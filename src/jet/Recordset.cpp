@@ -70,6 +70,14 @@ void Recordset::Private::invalidate()
     database = nullptr;
 }
 
+/// The rows at the beginning of a call: an interruption of an earlier one is over.
+RowSet& Recordset::Private::started() const
+{
+    RowSet& rows = opened();
+    database->cancelled = false;
+    return rows;
+}
+
 RowSet& Recordset::Private::opened() const
 {
     if (!database)
@@ -175,31 +183,31 @@ bool Recordset::EOF_() const
 void Recordset::MoveFirst()
 {
     d->discard();
-    d->opened().moveFirst();
+    d->started().moveFirst();
 }
 
 void Recordset::MoveLast()
 {
     d->discard();
-    d->opened().moveLast();
+    d->started().moveLast();
 }
 
 void Recordset::MoveNext()
 {
     d->discard();
-    d->opened().moveNext();
+    d->started().moveNext();
 }
 
 void Recordset::MovePrevious()
 {
     d->discard();
-    d->opened().movePrevious();
+    d->started().movePrevious();
 }
 
 void Recordset::Move(qint64 rows)
 {
     d->discard();
-    d->opened().move(rows);
+    d->started().move(rows);
 }
 
 qint64 Recordset::AbsolutePosition() const
@@ -210,12 +218,12 @@ qint64 Recordset::AbsolutePosition() const
 void Recordset::SetAbsolutePosition(qint64 position)
 {
     d->discard();
-    d->opened().setPosition(position);
+    d->started().setPosition(position);
 }
 
 qint64 Recordset::RecordCount()
 {
-    return d->opened().count();
+    return d->started().count();
 }
 
 QVariant Recordset::Value(QStringView name) const
@@ -306,7 +314,7 @@ void Recordset::SetIndex(const QString& name)
 
 void Recordset::Seek(const QString& comparison, const QVariantList& keys)
 {
-    d->opened();
+    d->started();
     if (!d->tableRows)
         fail(3251, u"Seek"_s);
     const QStringList names{u"="_s, u">"_s, u">="_s, u"<"_s, u"<="_s};

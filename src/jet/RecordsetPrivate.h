@@ -21,6 +21,7 @@ struct Recordset::Private : CursorHolder {
     QStringList
     existence() const;      ///< Statements that tell whether the record ?1 of a source exists.
     RowSet& opened() const; ///< 3420 once closed.
+    RowSet& started() const;
     int column(QStringView name) const;        ///< -1 when absent.
     int requireColumn(QStringView name) const; ///< 3265.
     QVariant value(int column) const;

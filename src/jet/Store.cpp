@@ -351,6 +351,7 @@ void Store::open(const QString& path, bool create, bool readOnly)
             raise(code);
         harden(m_db);
         registerFunctions(m_db);
+        watch();
         // Only for a lock that is just about to go: whoever has locked the file for good sets it to 0.
         sqlite3_busy_timeout(m_db, lockPatience);
         run(u"PRAGMA cell_size_check=ON; PRAGMA mmap_size=0; PRAGMA synchronous=EXTRA;"
@@ -405,24 +406,37 @@ bool Store::inTransaction() const
     return m_db && sqlite3_get_autocommit(m_db) == 0;
 }
 
-void Store::interrupt()
+void Store::stopWhen(const std::atomic<bool>* flag)
 {
-    if (m_db)
-        sqlite3_interrupt(m_db);
+    m_stop = flag;
+    watch();
 }
 
 void Store::setProgress(std::function<bool()> callback)
 {
     m_progress = std::move(callback);
+    watch();
+}
+
+/// Not by sqlite3_interrupt: that stays in force while any statement is open, so that a record set read
+/// half way would make every later one fail.
+void Store::watch()
+{
     if (!m_db)
         return;
-    if (!m_progress) {
+    if (!m_progress && !m_stop) {
         sqlite3_progress_handler(m_db, 0, nullptr, nullptr);
         return;
     }
     sqlite3_progress_handler(
         m_db, stepsBetweenProgress,
-        [](void* store) { return static_cast<Store*>(store)->m_progress() ? 0 : 1; }, this);
+        [](void* store) {
+            const auto* self = static_cast<Store*>(store);
+            const bool stop = (self->m_stop && self->m_stop->load(std::memory_order_relaxed))
+                              || (self->m_progress && !self->m_progress());
+            return stop ? 1 : 0;
+        },
+        this);
 }
 
 void Store::raise(int code, const QString& sql)

@@ -7,6 +7,7 @@
 
 #include <QString>
 #include <QVariant>
+#include <atomic>
 #include <functional>
 
 struct sqlite3;
@@ -66,15 +67,20 @@ public:
     qint64 changes() const;      ///< Rows changed by the last statement, triggers not counted.
     qint64 lastRowId() const;
     bool inTransaction() const;
-    void interrupt();
+    /// While the flag is true, whatever runs fails with 3059. It is looked at every few thousand steps; the flag
+    /// belongs to the caller, who takes it back when the next work begins.
+    void stopWhen(const std::atomic<bool>* flag);
     void setProgress(std::function<bool()> callback);
     /// Throws the jet::Error for the result code of the last call.
     [[noreturn]] void raise(int code, const QString& sql = {});
 
 private:
+    void watch();
+
     sqlite3* m_db = nullptr;
     QString m_path;
     std::function<bool()> m_progress;
+    const std::atomic<bool>* m_stop = nullptr;
 };
 
 } // namespace jet

@@ -237,6 +237,19 @@ TEST_F(InterruptTest, AQueryStopsFromAnotherThread)
     EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Taxons"_s), 45);
 }
 
+TEST_F(InterruptTest, AHalfReadRecordSetDoesNotMakeLaterStatementsFail)
+{
+    const auto half = db->OpenRecordset(u"SELECT Nom FROM Taxons"_s);
+    half->MoveNext();
+    EXPECT_EQ(interrupted([&] { db->OpenRecordset(endless); }), 3059);
+    EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Taxons"_s), 45);
+    half->MoveNext();
+    half->MoveLast();
+    EXPECT_EQ(half->RecordCount(), 45);
+    db->Interrupt(); // with nothing running
+    EXPECT_EQ(valueOf(u"SELECT Count(*) FROM Taxons"_s), 45);
+}
+
 TEST_F(InterruptTest, AnActionStopsAndLeavesNothing)
 {
     const QString slow = u"INSERT INTO Individus ([Numéro]) SELECT a.Nom FROM Taxons AS a, Taxons "
