@@ -13,7 +13,7 @@ paquets_du_groupe() {
     base)
         echo g++ cmake ninja-build ccache mold \
             qt6-base-dev qt6-base-dev-tools "qt6-svg-dev|libqt6svg6-dev" \
-            libsqlite3-dev libgtest-dev
+            libsqlite3-dev libexiv2-dev libgtest-dev
         ;;
     run)
         echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n

@@ -1,0 +1,46 @@
+#include "images/Pictures.h"
+
+#include <QImageReader>
+#include <QPainter>
+#include <cmath>
+
+namespace images {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Decoding at twice the wanted size leaves the rest to the smooth scaling.
+constexpr int oversampling = 2;
+constexpr int pictureError = 481;
+
+} // namespace
+
+QSize fittedSize(const QSize& picture, int target)
+{
+    const double scale = double(std::max(picture.width(), picture.height())) / target;
+    return {std::max(1, int(std::lround(picture.width() / scale))), std::max(1, int(std::lround(picture.height() / scale)))};
+}
+
+QImage loadPicture(const QString& path, int target, bool square, const QColor& background)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    reader.setDecideFormatFromContent(true);
+    const QSize stored = reader.size();
+    if (stored.isValid() && std::max(stored.width(), stored.height()) > target * oversampling)
+        reader.setScaledSize(fittedSize(stored, target * oversampling));
+    const QImage loaded = target > 0 ? reader.read() : QImage();
+    if (loaded.isNull())
+        throw jet::Error(pictureError, u"Erreur de chargement de l'image "_s + path, u"GDI+ Module"_s);
+    const QSize drawn = fittedSize(loaded.size(), target);
+    QImage result(square ? QSize(target, target) : drawn, QImage::Format_RGB32);
+    result.fill(background);
+    QPainter painter(&result);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QPoint at(int(std::lround((result.width() - drawn.width()) / 2.0)), int(std::lround((result.height() - drawn.height()) / 2.0)));
+    painter.drawImage(at, loaded.scaled(drawn, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    return result;
+}
+
+} // namespace images
