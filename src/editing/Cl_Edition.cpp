@@ -3,13 +3,14 @@
 #include "data/FieldType.h"
 #include "editing/Cl_Editions.h"
 #include "editing/FieldTypes.h"
-#include "editing/Formats.h"
+#include "editing/Trapped.h"
 #include "jet/text/Like.h"
-#include "jet/text/Values.h"
 
-#include <QLocale>
+#include <QHash>
 
 namespace editing {
+
+Q_LOGGING_CATEGORY(editingLog, "herbora.editing")
 
 using namespace Qt::StringLiterals;
 
@@ -125,13 +126,13 @@ void Cl_Edition::Refresh()
 {
     if (!m_context.records || m_field->IDItem <= 0)
         return;
-    const QVariantMap record = m_context.records->record(m_field->NomModule, m_field->IDItem);
-    QVariant loaded = record.value(m_field->champ);
-    // The store gives yes/no columns as booleans; a form holds them as texts.
-    if (loaded.typeId() == QMetaType::Bool)
-        loaded = loaded.toBool() ? u"True"_s : u"False"_s;
-    m_field->value = loaded;
-    m_field->Changed = false;
+    trapped("record", [this] {
+        const QVariant loaded =
+            m_context.records->record(m_field->NomModule, m_field->IDItem).value(m_field->champ);
+        // The store gives yes/no columns as booleans; a form holds them as texts.
+        m_field->value = loaded.typeId() == QMetaType::Bool ? (loaded.toBool() ? u"True"_s : u"False"_s) : loaded;
+        m_field->Changed = false;
+    });
 }
 
 bool Cl_Edition::IsNombre() const { return fieldTypeRow(ctype()).isNumber; }
@@ -156,18 +157,12 @@ QString Cl_Edition::controlClass() const
 
 QStringList Cl_Edition::formats() const
 {
-    return fieldTypeRow(ctype()).formats.split(u',');
+    return fieldTypeRow(ctype()).formatNames;
 }
 
 void Cl_Edition::buildOperatorTable()
 {
-    QStringList labels;
-    QStringList operators;
-    for (const LabelledOperator& entry : fieldTypeRow(ctype()).operators) {
-        labels << entry.first;
-        operators << entry.second;
-    }
-    m_operators = {labels, operators};
+    m_operators = fieldTypeRow(ctype()).operators;
 }
 
 QString Cl_Edition::Operateur() const
@@ -217,28 +212,28 @@ QStringList Cl_Edition::ListeItems() const
 {
     if (!m_field->Descripteurs.isEmpty() || !m_context.records)
         return m_field->Descripteurs;
-    return m_context.records->descriptors(NomModule(), champ());
+    return trapped("descriptors", QStringList(), [this] { return m_context.records->descriptors(NomModule(), champ()); });
 }
 
 void Cl_Edition::setListeItems(const QStringList& items)
 {
     m_field->Descripteurs = items;
     if (m_context.records)
-        m_context.records->setDescriptors(NomModule(), champ(), items);
+        trapped("descriptors", [&] { m_context.records->setDescriptors(NomModule(), champ(), items); });
 }
 
 QString Cl_Edition::SearchListeItem(const QString& pattern) const
 {
-    try {
-        const jet::text::LikePattern like(pattern);
-        for (const QString& item : ListeItems()) {
-            if (like.matches(item))
-                return item;
-        }
-    } catch (const std::exception&) {
-        // an unclosed "[" matches nothing
-    }
-    return {};
+    // Of the wildcards of LIKE, only "*" is one here.
+    QString literal;
+    for (const QChar c : pattern)
+        literal += QStringView(u"?#[").contains(c) ? u'[' + QString(c) + u']' : QString(c);
+    const jet::text::LikePattern like(literal);
+    return trapped("pattern", QString(), [&] {
+        const QStringList items = ListeItems();
+        const auto item = std::find_if(items.begin(), items.end(), [&](const QString& i) { return like.matches(i); });
+        return item == items.end() ? QString() : *item;
+    });
 }
 
 bool Cl_Edition::SearchListeCheck(const QString& item) const
@@ -248,36 +243,45 @@ bool Cl_Edition::SearchListeCheck(const QString& item) const
                        [&](const QString& other) { return sameText(other, item.trimmed()); });
 }
 
+QString Cl_Edition::linkedModule() const
+{
+    const QString prefix = u"ID "_s;
+    return ctype() == data::LienCourant && champ().startsWith(prefix) ? champ().mid(prefix.size()) : NomModule();
+}
+
 std::unique_ptr<Cl_Editions> Cl_Edition::GetTabEdition(qint32 id, QString* caption)
 {
     auto form = std::make_unique<Cl_Editions>(m_context);
     if (!m_context.records)
         return form;
-    const QString module = NomModule();
-    form->setTabedition(module, m_context.records->fields(module));
-    const QString label = u"< "_s + m_context.records->label(module);
-    if (caption)
-        *caption = id > 0 ? label + u" - N° "_s + QString::number(id) + u" >"_s : label + u" - Ajout >"_s;
-    form->bind(IDIndividu(), id);
-    if (id > 0 && m_context.records->record(module, id).value(u"Locked"_s).toBool()) {
-        for (const auto& field : *form)
-            field->setTextError(lockedRecord);
-    }
+    trapped("sub-record", [&] {
+        RecordSource& records = *m_context.records;
+        const QString module = linkedModule();
+        form->setTabedition(module, records.fields(module));
+        const QString label = u"< "_s + records.label(module);
+        if (caption)
+            *caption = id > 0 ? label + u" - N° "_s + QString::number(id) + u" >"_s : label + u" - Ajout >"_s;
+        form->bind(IDIndividu(), id);
+        if (id > 0 && records.record(module, id).value(u"Locked"_s).toBool()) {
+            for (const auto& field : *form)
+                field->setTextError(lockedRecord);
+        }
+    });
     return form;
 }
 
 bool Cl_Edition::CreateCtrl(ControlContainer& container)
 {
-    try {
+    const bool created = trapped("control", [&] {
         int counter = container.controlCount();
         while (container.hasControl(QString::number(counter) + u"Ctrl"_s))
             ++counter;
         m_control = QString::number(counter) + u"Ctrl"_s;
         container.addControl(controlClass(), m_control, *this);
-    } catch (const std::exception&) {
+    });
+    if (!created)
         m_control.clear();
-    }
-    return !m_control.isEmpty();
+    return created;
 }
 
 bool Cl_Edition::report(const QString& action, const QVariantList& arguments)
@@ -286,24 +290,30 @@ bool Cl_Edition::report(const QString& action, const QVariantList& arguments)
                                                     {u"REFRESH"_s, EditAction::Refresh},
                                                     {u"EDIT"_s, EditAction::Edit},
                                                     {u"CHANGE"_s, EditAction::Change}};
+    static const QStringList itemActions{u"ADD_ITEM"_s, u"DELETE_ITEM"_s, u"EDIT_ITEM"_s};
     const QString name = action.toUpper();
     bool cancel = false;
-    if (const auto known = relayed.find(name); known != relayed.end()) {
-        if (onAction)
-            onAction(*this, *known, cancel);
-        return cancel;
-    }
-    if (name != u"ADD_ITEM" && name != u"DELETE_ITEM" && name != u"EDIT_ITEM")
-        return false;
+    trapped("action", [&] {
+        if (const auto known = relayed.find(name); known != relayed.end()) {
+            if (onAction)
+                onAction(*this, *known, cancel);
+        } else if (IsUserListe() && itemActions.contains(name)) {
+            relayItemAction(name, arguments, cancel);
+        }
+    });
+    return cancel;
+}
+
+/// First to the owner; unless it cancels, to the add-in of the module.
+void Cl_Edition::relayItemAction(const QString& name, const QVariantList& arguments, bool& cancel)
+{
     if (onItemAction)
         onItemAction(*this, name, arguments, cancel);
-    if (!cancel && toAddin) {
-        QVariantList two = arguments.first(std::min<qsizetype>(2, arguments.size()));
-        while (two.size() < 2)
-            two << QVariant();
-        toAddin(NomModule(), name, two, cancel);
-    }
-    return cancel;
+    if (cancel || !toAddin)
+        return;
+    QVariantList two = arguments.first(std::min<qsizetype>(2, arguments.size()));
+    two.resize(2);
+    toAddin(NomModule(), name, two, cancel);
 }
 
 } // namespace editing

@@ -12,6 +12,7 @@
 namespace editing {
 
 class Cl_Editions;
+struct DisplayFormat;
 
 /// Names behind identifiers. The reference classes implement it; `IdentifierNames` shows the identifiers.
 class ReferenceNames {
@@ -128,12 +129,14 @@ public:
     /// Row 0 the French labels, row 1 the operators.
     const QList<QStringList>& TabOperateur() const { return m_operators; }
 
-    /// First item that the pattern ("*" wildcard, no case) matches; empty when none does.
+    /// First item that the pattern matches; empty when none does. "*" stands for any text, every other
+    /// character for itself without case.
     QString SearchListeItem(const QString& pattern) const;
     bool SearchListeCheck(const QString& item) const; ///< The value holds that item.
     QStringList ListeItems() const;
     void setListeItems(const QStringList& items);
-    /// The form of the sub-record that a link field designates (0 for a new one), with its caption.
+    /// The form of the record that a link field designates (0 for a new one), with its caption. A field that is no
+    /// link designates a record of its own module.
     std::unique_ptr<Cl_Editions> GetTabEdition(qint32 id, QString* caption);
 
     QString Control() const { return m_control; } ///< Name of the control; empty before CreateCtrl.
@@ -150,8 +153,13 @@ public:
 
 private:
     void normalizeValue();
+    void normalizeCoordinate();
     void buildOperatorTable();
-    QString formatted(const QString& format) const;
+    void relayItemAction(const QString& name, const QVariantList& arguments, bool& cancel);
+    QString formatted(const DisplayFormat& format) const;
+    QString nameOf(QString (ReferenceNames::*name)(qint32) const) const;
+    QString linkText() const;
+    QString linkedModule() const; ///< What "ID Déterminations" leads to; for other fields their module.
 
     EditingContext m_context;
     qint32 m_id;

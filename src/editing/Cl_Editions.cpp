@@ -85,8 +85,6 @@ void Cl_Editions::setTabedition(const QString& module, const addin::TabEditions&
     for (const addin::ChpEditionPtr& record : fields) {
         auto field = std::make_unique<Cl_Edition>(m_context);
         field->setChpEdition(record);
-        if (field->NomModule().isEmpty())
-            field->setNomModule(module);
         AppendItem(std::move(field));
     }
 }
@@ -106,8 +104,11 @@ void Cl_Editions::Remove(const QString& name)
 
 void Cl_Editions::AppendItem(std::unique_ptr<Cl_Edition> field)
 {
-    if (field)
-        m_fields.push_back(std::move(field));
+    if (!field)
+        return;
+    if (field->NomModule().isEmpty())
+        field->setNomModule(m_module);
+    m_fields.push_back(std::move(field));
 }
 
 void Cl_Editions::Add(int type, const QString& caption, const QVariant& value, const QString& help,

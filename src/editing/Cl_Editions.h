@@ -31,6 +31,7 @@ public:
     void setTabedition(const QString& module, const addin::TabEditions& fields);
     void Remove(int position);
     void Remove(const QString& name);
+    /// At the end; a descriptor without a module gets that of the collection.
     void AppendItem(std::unique_ptr<Cl_Edition> field);
     /// Nothing happens when the column is already there.
     void Add(int type, const QString& caption, const QVariant& value, const QString& help,

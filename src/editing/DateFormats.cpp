@@ -150,7 +150,10 @@ std::optional<Day> monthFirst(const QStringList& e)
 
 QString two(int value)
 {
-    return QString::number(value).rightJustified(2, u'0');
+    if (value < 0 || value > 99)
+        return QString::number(value).rightJustified(2, u'0');
+    const std::array<QChar, 2> digits{QChar(u'0' + value / 10), QChar(u'0' + value % 10)};
+    return QString(digits.data(), 2);
 }
 
 QString dateText(const Day& day)
@@ -183,15 +186,83 @@ std::optional<QString> timeText(const QStringList& elements)
     return parts.join(u':');
 }
 
-QStringList datePart(const QString& text)
+/// The two digits at `at` as a number; -1 when they are none.
+int twoDigits(QStringView text, qsizetype at)
 {
-    return text.section(u' ', 0, 0).split(u'/', Qt::SkipEmptyParts);
+    const int tens = text[at].unicode() - u'0';
+    const int ones = text[at + 1].unicode() - u'0';
+    return tens >= 0 && tens <= 9 && ones >= 0 && ones <= 9 ? tens * 10 + ones : -1;
+}
+
+/// Reads as ParseDate writes, with whole seconds: what records hold takes this short way.
+bool isDateText(QStringView text)
+{
+    struct Element {
+        QChar before;
+        int least, most;
+    };
+    constexpr std::array<Element, 5> elements{{{u'/', 1, 12}, {u'/', 1, 31}, {u' ', 0, 24}, {u':', 0, 59}, {u':', 0, 60}}};
+    if (text.size() < 4 || text.size() > 19 || (text.size() - 4) % 3 != 0)
+        return false;
+    if (twoDigits(text, 0) < 0 || twoDigits(text, 2) < 0)
+        return false;
+    for (qsizetype at = 4, i = 0; at < text.size(); at += 3, ++i) {
+        const Element& element = elements[size_t(i)];
+        const int value = twoDigits(text, at + 1);
+        if (text[at] != element.before || value < element.least || value > element.most)
+            return false;
+    }
+    return true;
+}
+
+/// The elements of a date text, as far as they are there.
+struct Shown {
+    QString year;
+    int month = 0; ///< 0 when missing or none
+    int day = -1;  ///< -1 when missing
+    QStringView time;
+};
+
+Shown shownOf(QStringView text)
+{
+    Shown shown;
+    const qsizetype blank = text.indexOf(u' ');
+    QStringView date = blank < 0 ? text : text.first(blank);
+    if (blank >= 0)
+        shown.time = text.sliced(blank + 1).trimmed();
+    int place = 0;
+    while (!date.isEmpty() && place < 3) {
+        const qsizetype slash = date.indexOf(u'/');
+        const QStringView element = slash < 0 ? date : date.first(slash);
+        date = slash < 0 ? QStringView() : date.sliced(slash + 1);
+        if (element.isEmpty())
+            continue;
+        if (place == 0)
+            shown.year = element.size() < 4 ? element.toString().rightJustified(4, u'0') : element.toString();
+        else
+            (place == 1 ? shown.month : shown.day) = element.toInt();
+        ++place;
+    }
+    if (shown.month < 1 || shown.month > 12)
+        shown.month = 0;
+    return shown;
+}
+
+void append(QString& text, const QString& part, QChar separator)
+{
+    if (part.isEmpty())
+        return;
+    if (!text.isEmpty())
+        text += separator;
+    text += part;
 }
 
 } // namespace
 
 QString ParseDate(const QString& text)
 {
+    if (isDateText(text))
+        return text;
     const QStringList elements = elementsOf(text.normalized(QString::NormalizationForm_C));
     if (elements.isEmpty())
         return {};
@@ -213,29 +284,31 @@ QString ParseDate(const QString& text)
 
 QString FormatDate(const QString& text, int style)
 {
-    const QStringList date = datePart(text);
-    if (date.isEmpty() || text.isEmpty())
+    const Shown date = shownOf(text);
+    if (date.year.isEmpty())
         return {};
-    const QString year = date[0].rightJustified(4, u'0');
-    const int month = date.size() > 1 ? date[1].toInt() : 0;
-    const bool named = month >= 1 && month <= 12;
-    const QString day = date.size() > 2 ? two(date[2].toInt()) : QString();
-    const QString name = named ? monthNames()[month - 1] : QString();
-    const QString number = named ? two(month) : QString();
+    const QString day = date.day < 0 ? QString() : two(date.day);
+    const QString month = date.month ? two(date.month) : QString();
+    const QString name = date.month ? monthNames()[date.month - 1] : QString();
 
-    QStringList parts;
-    QString separator = u"/"_s;
+    QString shown;
+    shown.reserve(32);
+    const auto join = [&shown](QChar separator, const QString& first, const QString& second, const QString& third) {
+        append(shown, first, separator);
+        append(shown, second, separator);
+        append(shown, third, separator);
+    };
     switch (style) {
-    case 0: parts = {day, name, year}; separator = u" "_s; break;
-    case 1: parts = {day, number, year}; break;
-    case 2: parts = {name, year}; separator = u" "_s; break;
-    case 3: parts = {number, year.right(2)}; break;
-    case 5: parts = {number, day, year}; break;
-    default: parts = {year}; break;
+    case 0: join(u' ', day, name, date.year); break;
+    case 1: join(u'/', day, month, date.year); break;
+    case 2: join(u' ', name, date.year, {}); break;
+    case 3: join(u'/', month, date.year.right(2), {}); break;
+    case 5: join(u'/', month, day, date.year); break;
+    default: shown = date.year; break;
     }
-    parts.removeAll(QString());
-    const QString time = text.section(u' ', 1).trimmed();
-    return time.isEmpty() ? parts.join(separator) : parts.join(separator) + u" - "_s + time;
+    if (!date.time.isEmpty())
+        (shown += u" - "_s) += date.time;
+    return shown;
 }
 
 QString DateBound(const QString& text, bool upper)

@@ -1,9 +1,13 @@
-// Values of a field: normalised on entry, shown as text.
+// Values of a field: normalised on entry, shown as text. Grids come here for every cell, so that stored forms
+// take a short way.
 #include "editing/Cl_Edition.h"
 
 #include "data/FieldType.h"
+#include "editing/FieldTypes.h"
 #include "editing/Formats.h"
+#include "editing/Trapped.h"
 #include "jet/text/Values.h"
+#include "platform/Clock.h"
 
 #include <QLocale>
 #include <cmath>
@@ -16,62 +20,118 @@ namespace {
 
 constexpr qsizetype shownRaw = 255; ///< Characters of a raw value that a format shows.
 
-/// A number as typed or stored: "12,5", "12.5", "1 234,5" with any of the blanks that group digits.
-std::optional<double> numberOf(const QVariant& value)
+bool isText(const QVariant& value) { return value.typeId() == QMetaType::QString; }
+bool isDouble(const QVariant& value) { return value.typeId() == QMetaType::Double; }
+
+/// The text of a value that holds one.
+const QString& textIn(const QVariant& value) { return *static_cast<const QString*>(value.constData()); }
+
+/// A number as typed: "12,5", "12.5", "1 234,5" with any of the blanks that group digits.
+std::optional<double> typedNumber(QStringView typed)
 {
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::LongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return value.toDouble();
-    case QMetaType::QString:
-        break;
-    default:
-        return {};
-    }
-    QString text;
-    for (const QChar c : value.toString()) {
-        if (c == u',')
-            text += u'.';
-        else if (!c.isSpace() && c != QChar(0x202F) && c != QChar(QChar::Nbsp))
-            text += c;
+    QVarLengthArray<char, 40> digits;
+    for (const QChar c : typed) {
+        if (c.isSpace() || c == QChar(0x202F) || c == QChar(QChar::Nbsp))
+            continue;
+        // Only what a number is written with, so that "inf" and "nan" are texts.
+        if (!(c >= u'0' && c <= u'9') && !QStringView(u"+-.,eE").contains(c))
+            return {};
+        digits.append(c == u',' ? '.' : char(c.unicode()));
     }
     bool valid = false;
-    const double number = QLocale::c().toDouble(text, &valid);
+    const double number = QByteArrayView(digits.data(), digits.size()).toDouble(&valid);
     return valid && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
-double leadingNumber(const QString& text)
+std::optional<double> numberOf(const QVariant& value)
 {
-    try {
-        return jet::text::val(text);
-    } catch (const std::exception&) {
-        return 0;
+    switch (value.typeId()) {
+    case QMetaType::Double: {
+        const double number = *static_cast<const double*>(value.constData());
+        return std::isfinite(number) ? std::optional(number) : std::nullopt;
     }
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+        return value.toDouble();
+    case QMetaType::QString:
+        return typedNumber(textIn(value));
+    default:
+        return {};
+    }
+}
+
+QString numberText(double value)
+{
+    constexpr double exact = 1e15; // fifteen digits show any whole number below
+    if (std::abs(value) < exact && value == std::trunc(value))
+        return QString::number(qint64(value));
+    return jet::text::numberText(value);
 }
 
 QString rawText(const QVariant& value)
 {
-    if (value.typeId() == QMetaType::Double)
-        return jet::text::numberText(value.toDouble());
+    if (isText(value))
+        return textIn(value);
+    if (isDouble(value))
+        return numberText(value.toDouble());
     return value.toString();
+}
+
+/// With exactly four decimals.
+QString fourDecimals(double value)
+{
+    constexpr double scale = 1e4, largest = 1e10, tie = 1e-3;
+    const double scaled = std::abs(value) * scale;
+    const double whole = std::floor(scaled);
+    // Near a half, decimal digits decide.
+    if (std::abs(value) >= largest || std::abs(scaled - whole - 0.5) < tie)
+        return jet::text::formatNumber(value, u"0.0000");
+    const auto units = qint64(scaled - whole > 0.5 ? whole + 1 : whole);
+    char text[24];
+    char* at = std::end(text);
+    qint64 rest = units;
+    for (int i = 0; i < 5 || rest > 0; ++i, rest /= 10) {
+        *--at = char('0' + rest % 10);
+        if (i == 3)
+            *--at = '.';
+    }
+    if (value < 0 && units > 0)
+        *--at = '-';
+    return QString::fromLatin1(at, std::end(text) - at);
 }
 
 bool isTrueText(const QString& text)
 {
+    constexpr qsizetype longest = 4;
+    if (text.size() > longest)
+        return false;
     static const QStringList yes{u"v"_s, u"t"_s, u"y"_s, u"o"_s, u"1"_s, u"vrai"_s, u"true"_s, u"yes"_s, u"oui"_s};
     return yes.contains(text.toLower());
 }
 
 bool holdsTrue(const QVariant& value)
 {
-    return value.toString() == u"True" || (value.typeId() == QMetaType::Bool && value.toBool());
+    return isText(value) ? textIn(value) == u"True" : value.typeId() == QMetaType::Bool && value.toBool();
 }
 
-/// "DegréMinutesSecondes" is the text value; this is "Décimal".
-QString decimalDegrees(const QString& text)
+/// An identifier as typed or stored: the number a text begins with.
+qint32 identifierOf(const QVariant& value)
 {
+    if (value.typeId() == QMetaType::Int)
+        return value.toInt();
+    const double number =
+        isDouble(value) ? value.toDouble()
+                        : trapped("identifier", 0.0, [&] { return jet::text::val(value.toString()); });
+    return std::isfinite(number) ? qint32(std::clamp(std::nearbyint(number), -2147483648.0, 2147483647.0)) : 0;
+}
+
+/// Degrees of a coordinate text; empty for anything else, numbers too.
+QString decimalDegrees(const QVariant& value)
+{
+    const QString text = isText(value) ? textIn(value) : QString();
     const QChar letter = text.isEmpty() ? QChar() : text.front();
     if (letter == u'W' || letter == u'E')
         return jet::text::numberText(jet::text::roundHalfEven(TextToLongitude(text), 6));
@@ -80,9 +140,19 @@ QString decimalDegrees(const QString& text)
     return {};
 }
 
-QString shortened(const QVariant& value)
+QVariant trueOrFalse(bool value)
 {
-    return rawText(value).left(shownRaw);
+    static const QVariant yes(u"True"_s), no(u"False"_s);
+    return value ? yes : no;
+}
+
+/// Empty for an empty text, whatever else would be a date.
+QVariant dateOf(const QVariant& value)
+{
+    // A moment, as an expression of a query gives it.
+    const QString date = value.typeId() == QMetaType::QDateTime ? platform::stamp(value.toDateTime())
+                                                                : ParseDate(rawText(value));
+    return date.isEmpty() ? QVariant() : QVariant(date);
 }
 
 } // namespace
@@ -91,58 +161,49 @@ void Cl_Edition::setValue(const QVariant& value)
 {
     if (m_field->Locked)
         return;
-    const QVariant before = m_field->value;
-    m_field->value = value;
-    normalizeValue();
-    if (m_field->value != before || m_field->value.isValid() != before.isValid())
+    const QVariant before = std::exchange(m_field->value, value);
+    trapped("value", [this] { normalizeValue(); });
+    if (m_field->value.isValid() != before.isValid() || m_field->value != before)
         m_field->Changed = true;
 }
 
 void Cl_Edition::normalizeValue()
 {
     QVariant& value = m_field->value;
-    if (value.typeId() == QMetaType::QString && value.toString() == u"Null")
-        value = QVariant();
-    if (!value.isValid() || value.isNull()) {
+    if (value.isNull() || (isText(value) && textIn(value) == u"Null")) {
         value = QVariant();
         return;
     }
-    const QString text = value.toString();
     switch (ctype()) {
     case data::Label:
     case data::Texte:
     case data::TexteMémo:
-        value = text.isEmpty() ? QVariant() : QVariant(text);
+        if (!isText(value) || textIn(value).isEmpty()) {
+            const QString text = rawText(value);
+            value = text.isEmpty() ? QVariant() : QVariant(text);
+        }
         break;
     case data::Longitude:
-    case data::Latitude: {
-        const std::optional<double> number = numberOf(value);
-        if (!number && text.trimmed().isEmpty())
-            value = QVariant();
-        else if (number)
-            value = *number;
-        else
-            value = ctype() == data::Longitude ? TextToLongitude(NormalizeLongitude(text))
-                                               : TextToLatitude(NormalizeLatitude(text));
+    case data::Latitude:
+        normalizeCoordinate();
         break;
-    }
     case data::OuiNon:
-        value = holdsTrue(value) || isTrueText(text) ? u"True"_s : u"False"_s;
+        value = trueOrFalse(holdsTrue(value) || isTrueText(value.toString()));
         break;
     case data::Réel:
     case data::Entier:
+        if (isDouble(value))
+            break;
         if (const std::optional<double> number = numberOf(value))
             value = *number;
         break;
-    case data::Date: {
-        const QString date = ParseDate(text);
-        value = date.isEmpty() ? QVariant() : QVariant(date);
+    case data::Date:
+        value = dateOf(value);
         break;
-    }
     case data::ListeSimple:
+        // Not bound to a row yet: what is typed stands for the first descriptor it matches.
         if (m_field->IDItem == 0) {
-            // Not bound to a row yet: what is typed stands for the first descriptor that begins so.
-            const QString item = SearchListeItem(text);
+            const QString item = SearchListeItem(rawText(value));
             if (!item.isEmpty())
                 value = item;
         }
@@ -150,110 +211,152 @@ void Cl_Edition::normalizeValue()
     case data::Botaniste:
     case data::Localité:
     case data::Taxon:
-        value = qint32(std::clamp(leadingNumber(text), -2147483648.0, 2147483647.0));
+        value = identifierOf(value);
         break;
     case data::LienCourant:
-        value = QString(text).replace(u';', u',');
+        value = rawText(value).replace(u';', u',');
         break;
     default:
         break;
     }
+}
+
+void Cl_Edition::normalizeCoordinate()
+{
+    QVariant& value = m_field->value;
+    if (const std::optional<double> number = numberOf(value)) {
+        value = *number;
+        return;
+    }
+    const QString text = value.toString();
+    if (text.trimmed().isEmpty()) // an emptied field is no place on the equator
+        value = QVariant();
+    else if (ctype() == data::Longitude)
+        value = TextToLongitude(NormalizeLongitude(text));
+    else
+        value = TextToLatitude(NormalizeLatitude(text));
+}
+
+/// A name behind the identifier; without a source of names the identifier.
+QString Cl_Edition::nameOf(QString (ReferenceNames::*name)(qint32) const) const
+{
+    if (!m_context.names)
+        return rawText(m_field->value);
+    return trapped("name", QString(), [&] { return (m_context.names.get()->*name)(identifierOf(m_field->value)); });
+}
+
+QString Cl_Edition::linkText() const
+{
+    const QString ids = rawText(m_field->value);
+    if (IDIndividu() < 1)
+        return QString::number(ids.split(u',', Qt::SkipEmptyParts).size()) + u" ID(s) dans la sélection"_s;
+    if (!m_context.names)
+        return ids;
+    return trapped("link", QString(), [&] { return m_context.names->lien(linkedModule(), ids); });
 }
 
 QString Cl_Edition::TextValue() const
 {
+    static const QString null = u"< Valeur Nulle >"_s;
     const QVariant& value = m_field->value;
     if (!value.isValid())
-        return u"< Valeur Nulle >"_s;
-    const auto id = [&] { return value.toInt(); };
+        return null;
     switch (ctype()) {
     case data::Longitude:
-        return LongitudeToText(value.toDouble());
-    case data::Latitude:
-        return LatitudeToText(value.toDouble());
+    case data::Latitude: {
+        // A coordinate text that no writing normalised has no text value.
+        const std::optional<double> degrees = numberOf(value);
+        if (!degrees)
+            return {};
+        return ctype() == data::Longitude ? LongitudeToText(*degrees) : LatitudeToText(*degrees);
+    }
     case data::OuiNon:
         return holdsTrue(value) ? u"Vrai"_s : u"Faux"_s;
     case data::Réel: {
         const std::optional<double> number = numberOf(value);
-        return number ? QLocale::c().toString(jet::text::roundHalfEven(*number, 4), 'f', 4) : rawText(value);
+        return number ? fourDecimals(*number) : rawText(value);
     }
     case data::Date:
-        return FormatDate(value.toString(), 0);
-    case data::ListeMultiple:
-        return shortened(value);
+        return FormatDate(rawText(value), 0);
+    case data::ListeMultiple: {
+        const QString text = rawText(value);
+        return text.isEmpty() || text == u"NULL" ? null : text.left(shownRaw);
+    }
     case data::Botaniste:
-        return m_context.names ? m_context.names->botaniste(id()) : rawText(value);
+        return nameOf(&ReferenceNames::botaniste);
     case data::Localité:
-        return m_context.names ? m_context.names->localité(id()) : rawText(value);
+        return nameOf(&ReferenceNames::localité);
     case data::Taxon:
-        return m_context.names ? m_context.names->taxon(id()) : rawText(value);
+        return nameOf(&ReferenceNames::taxon);
     case data::LienCourant:
-        if (IDIndividu() < 1)
-            return QString::number(value.toString().split(u',', Qt::SkipEmptyParts).size())
-                   + u" ID(s) dans la sélection"_s;
-        return m_context.names ? m_context.names->lien(NomModule(), value.toString()) : rawText(value);
+        return linkText();
     default:
         return rawText(value);
     }
 }
 
-QString Cl_Edition::formatted(const QString& format) const
+QString Cl_Edition::formatted(const DisplayFormat& format) const
 {
     const QVariant& value = m_field->value;
-    if (format == u"Vrai/Faux" || format == u"Oui/Non" || format == u"True/False")
-        return format.section(u'/', holdsTrue(value) ? 0 : 1, holdsTrue(value) ? 0 : 1);
-    static const QHash<QString, int> dateStyles{{u"06 mars 2001"_s, 0}, {u"06/03/2001"_s, 1}, {u"mars 2001"_s, 2},
-                                                {u"03/01"_s, 3}, {u"2001"_s, 4}, {u"03/06/2001"_s, 5}};
-    if (const auto style = dateStyles.find(format); style != dateStyles.end())
-        return FormatDate(value.toString(), *style);
-    if (ctype() == data::Taxon && m_context.names) {
-        const qint32 id = value.toInt();
-        if (format == u"Taxon")
-            return m_context.names->taxon(id);
-        if (format == u"Taxon auteur(s)")
-            return m_context.names->taxonAuteurs(id);
-        if (format == u"Famille")
-            return m_context.names->famille(id).toUpper();
-        if (format == u"Rang taxonomique")
-            return m_context.names->rang(id);
-    }
-    if (format == u"DegréMinutesSecondes" || format == u"Normal")
-        return TextValue();
-    if (format == u"DegréMinutes")
-        return rawText(value).chopped(std::min<qsizetype>(3, rawText(value).size()));
-    if (format == u"Décimal")
-        return decimalDegrees(value.typeId() == QMetaType::QString ? value.toString() : QString());
-    if (format == u"Texte")
+    switch (format.rule) {
+    case FormatRule::Raw:
+        break;
+    case FormatRule::Whole:
         return rawText(value);
-    if (format == u"Minuscule")
+    case FormatRule::TextValue:
+        return TextValue();
+    case FormatRule::Lower:
         return TextValue().toLower();
-    if (format == u"Majuscule")
+    case FormatRule::Upper:
         return TextValue().toUpper();
-    if (format == u"1ère Majuscule")
+    case FormatRule::Capitals:
         return jet::text::strConv(TextValue(), 3);
-    if (format == u"Image")
-        return jet::text::strConv(TextValue().section(u'\\', -1), 3);
-    if (format == u"Valeur absolue")
-        return jet::text::numberText(std::abs(leadingNumber(TextValue())));
-    return shortened(value);
+    case FormatRule::FileName: {
+        const QString text = TextValue();
+        return jet::text::strConv(QStringView(text).sliced(text.lastIndexOf(u'\\') + 1), 3);
+    }
+    case FormatRule::Absolute:
+        return numberText(std::abs(jet::text::val(TextValue())));
+    case FormatRule::Pair:
+        return holdsTrue(value) ? format.yes : format.no;
+    case FormatRule::Date:
+        return FormatDate(rawText(value), format.style);
+    case FormatRule::Shortened: {
+        const QString text = rawText(value);
+        return text.first(std::max<qsizetype>(0, text.size() - 3));
+    }
+    case FormatRule::Decimal:
+        return decimalDegrees(value);
+    case FormatRule::Taxon:
+        return nameOf(&ReferenceNames::taxon);
+    case FormatRule::TaxonAuthors:
+        return nameOf(&ReferenceNames::taxonAuteurs);
+    case FormatRule::Family:
+        return nameOf(&ReferenceNames::famille).toUpper();
+    case FormatRule::Rank:
+        return nameOf(&ReferenceNames::rang);
+    }
+    return rawText(value).left(shownRaw);
 }
 
 QString Cl_Edition::FormatedValue()
 {
-    const QStringList list = formats();
+    const QList<DisplayFormat>& list = fieldTypeRow(ctype()).formats;
     if (m_field->Format < 0 || m_field->Format >= list.size())
         m_field->Format = 0;
     QVariant& value = m_field->value;
-    const QString text = value.toString();
-    if (value.typeId() == QMetaType::QString && (text.isEmpty() || text == u"NULL"))
-        value = QVariant();
+    if (isText(value)) {
+        const QString& text = textIn(value);
+        if (text.isEmpty() || text == u"NULL")
+            value = QVariant();
+        else if (ctype() == data::OuiNon && text == u"Vrai")
+            value = trueOrFalse(true);
+        else if (ctype() == data::OuiNon && text == u"Faux")
+            value = trueOrFalse(false);
+    }
     if (!value.isValid())
         return TextValue();
-    if (ctype() == data::OuiNon && text == u"Vrai")
-        value = u"True"_s;
-    else if (ctype() == data::OuiNon && text == u"Faux")
-        value = u"False"_s;
-    return formatted(list[m_field->Format]);
+    return trapped("format", QString(), [&] { return formatted(list[m_field->Format]); });
 }
 
 } // namespace editing

@@ -52,7 +52,10 @@ TEST(Coordinates, AreReadFromText)
     EXPECT_DOUBLE_EQ(DmsToDegrees(u"12"_s, 90), 12 + 12 / 60.0 + 12 / 3600.0);
     EXPECT_DOUBLE_EQ(DmsToDegrees(u"180°00'00"_s, 180), 180);
     EXPECT_DOUBLE_EQ(TextToLongitude(u"W170°30'36,0"_s), -170.51);
-    EXPECT_EQ(DmsToDegrees(u"99999999"_s, 180), 0 + 0 + 99999999 / 3600.0);
+    // More than a whole number of sixteen bits cannot be read.
+    EXPECT_EQ(DmsToDegrees(u"99999999"_s, 180), 0);
+    EXPECT_EQ(DmsToDegrees(u"1e400°00"_s, 180), 0);
+    EXPECT_DOUBLE_EQ(DmsToDegrees(u"-190°30'"_s, 180), -10 + 30 / 60.0);
 }
 
 /// Text → number → text is the same text over the whole globe, at the six decimals of a second.
