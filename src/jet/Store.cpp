@@ -396,6 +396,11 @@ qint64 Store::changes() const
     return sqlite3_changes64(m_db);
 }
 
+qint64 Store::totalChanges() const
+{
+    return m_db ? sqlite3_total_changes64(m_db) : 0;
+}
+
 qint64 Store::lastRowId() const
 {
     return sqlite3_last_insert_rowid(m_db);

@@ -65,6 +65,7 @@ public:
     void run(const QString& sql); ///< One or several statements without results.
     QVariant single(const QString& sql); ///< First column of the first row; Null when there is none.
     qint64 changes() const;      ///< Rows changed by the last statement, triggers not counted.
+    qint64 totalChanges() const; ///< Rows changed since it was opened, triggers counted; rolled back ones too.
     qint64 lastRowId() const;
     bool inTransaction() const;
     /// While the flag is true, whatever runs fails with 3059. It is looked at every few thousand steps; the flag
