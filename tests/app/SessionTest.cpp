@@ -3,6 +3,7 @@
 #include "app/ModuleTree.h"
 #include "app/ProjectFiles.h"
 #include "data/Verification.h"
+#include "support/Files.h"
 #include "support/Project.h"
 
 #include <QDir>
@@ -13,6 +14,8 @@
 namespace {
 
 using namespace Qt::StringLiterals;
+using support::bytesOf;
+using support::put;
 using platform::BoxIcon;
 using support::TestProject;
 
@@ -28,19 +31,6 @@ const QStringList steps{u"0 Ouverture de la base de donnée"_s,
                         u"80 Enregistrement des paramètres"_s,
                         u"90 Chargement de l'interface graphique"_s,
                         u"100 Chargement et Validation OK de la base de donnée"_s};
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 QStringList filesIn(const QTemporaryDir& folder)
 {

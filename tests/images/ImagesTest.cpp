@@ -3,6 +3,7 @@
 #include "images/Pictures.h"
 #include "images/ThumbnailCache.h"
 #include "jet/Recordset.h"
+#include "support/Files.h"
 #include "support/Project.h"
 
 #include <QDir>
@@ -11,6 +12,8 @@
 namespace {
 
 using namespace Qt::StringLiterals;
+using support::bytesOf;
+using support::put;
 using images::Cl_Exif;
 
 /// The demo's photographs, whose licences lie beside them.
@@ -29,19 +32,6 @@ QString drawing(const support::TestProject& project)
     image.fill(Qt::darkGreen);
     EXPECT_TRUE(image.save(path));
     return path;
-}
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 TEST(Exif, ReadsByType)

@@ -2,28 +2,17 @@
 #include "platform/Dialogues.h"
 #include "platform/FileAssociation.h"
 #include "platform/Settings.h"
+#include "support/Files.h"
 #include "support/Print.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace Qt::StringLiterals;
-
-QByteArray content(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
+using support::bytesOf;
+using support::put;
 
 TEST(Settings, AreReadAndWrittenBySectionAndKey)
 {
@@ -34,7 +23,7 @@ TEST(Settings, AreReadAndWrittenBySectionAndKey)
     EXPECT_TRUE(settings.write(u"Général.DefaultBase"_s, u"/données/été.hbx"_s));
     EXPECT_EQ(settings.read(u"Général.DefaultBase"_s), u"/données/été.hbx"_s);
     EXPECT_EQ(settings.read(u"général.defaultbase"_s), u"/données/été.hbx"_s);
-    EXPECT_EQ(content(file), "[Général]\nDefaultBase=/données/été.hbx\n");
+    EXPECT_EQ(bytesOf(file), "[Général]\nDefaultBase=/données/été.hbx\n");
 }
 
 TEST(Settings, KeepLinesTheyDoNotKnow)
@@ -47,7 +36,7 @@ TEST(Settings, KeepLinesTheyDoNotKnow)
     settings.write(u"Général.DefaultBase"_s, u"a=b.hbx"_s);
     EXPECT_EQ(settings.read(u"Général.DefaultBase"_s), u"a=b.hbx"_s);
     EXPECT_EQ(settings.read(u"Autre.DefaultBase"_s), u"non"_s);
-    EXPECT_EQ(content(file),
+    EXPECT_EQ(bytesOf(file),
               "; à la main\n[Autre]\nDefaultBase=non\n[Général]\nCouleur=vert\nDefaultBase=a=b.hbx\n\n[Fin]\nx=1\n");
 }
 
@@ -60,7 +49,7 @@ TEST(Settings, CutLongValuesOnReading)
     EXPECT_EQ(settings.read(u"Général.DefaultBase"_s).size(), 99);
     settings.write(u"Général.DefaultBase"_s, QString(120, u'b'));
     EXPECT_EQ(settings.read(u"Général.DefaultBase"_s), QString(99, u'b'));
-    EXPECT_TRUE(content(settings.file()).contains(QByteArray(120, 'b')));
+    EXPECT_TRUE(bytesOf(settings.file()).contains(QByteArray(120, 'b')));
 }
 
 TEST(Settings, SayWhenTheyCannotBeWritten)
@@ -92,12 +81,12 @@ TEST(FileAssociation, IsWrittenIntoTheUsersFolders)
     EXPECT_NE(association->openCommand(), u"/opt/Her bora \"$x\"/herbora"_s);
     ASSERT_TRUE(association->write(u"/opt/Her bora \"$x\"/herbora"_s));
     EXPECT_EQ(association->openCommand(), u"/opt/Her bora $x/herbora"_s); // quotes are taken out when read
-    EXPECT_TRUE(content(config + u"/mimeapps.list"_s)
+    EXPECT_TRUE(bytesOf(config + u"/mimeapps.list"_s)
                     .contains("application/x-herbora-project=org.herbora.Herbora.desktop;"));
-    EXPECT_TRUE(content(data + u"/mime/packages/org.herbora.Herbora.xml"_s).contains("*.hbx"));
+    EXPECT_TRUE(bytesOf(data + u"/mime/packages/org.herbora.Herbora.xml"_s).contains("*.hbx"));
     ASSERT_TRUE(association->write(u"/usr/bin/herbora"_s));
     EXPECT_EQ(association->openCommand(), u"/usr/bin/herbora"_s);
-    EXPECT_EQ(content(config + u"/mimeapps.list"_s).count("x-herbora-project"), 1);
+    EXPECT_EQ(bytesOf(config + u"/mimeapps.list"_s).count("x-herbora-project"), 1);
 }
 
 } // namespace
