@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QPluginLoader>
 #include <QThread>
 
@@ -13,6 +14,8 @@ namespace app {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+Q_LOGGING_CATEGORY(libraryLog, "herbora.addin.library")
 
 constexpr int notLoadable = 48;
 constexpr int notAnAddin = 429;
@@ -44,28 +47,37 @@ QStringList addinFiles(const QString& folder)
 QString addinName(const QString& file)
 {
     QString name = QFileInfo(file).completeBaseName();
-    if (name.startsWith(u"lib"_s))
-        name.remove(0, 3);
+    const QString prefix = u"lib"_s;
+    if (name.startsWith(prefix) && name != prefix)
+        name.remove(0, prefix.size());
     return name;
 }
 
 QString addinRefusal(const QString& file)
 {
     const QString made = QPluginLoader(file).metaData().value(u"IID"_s).toString();
-    const QString wanted = QString::fromLatin1(HerboraPlugin_iid);
-    if (made.section(u'/', 0, 0) != interfaceName() || made == wanted)
+    if (made.section(u'/', 0, 0) != interfaceName() || made == QLatin1String(HerboraPlugin_iid))
         return {};
+    return addinRefusal(file, made.section(u'/', 1));
+}
+
+QString addinRefusal(const QString& file, const QString& version)
+{
     return u"La bibliothèque « %1 » a été faite pour la version %2 de l'interface des compléments, alors que ce "
-           "programme attend la version %3 : elle n'est pas chargée.\n"
+           "programme attend la version %3 : elle n'est pas utilisée.\n"
            "Demandez à son auteur une bibliothèque faite pour cette version."_s.arg(
-               file, made.section(u'/', 1), wanted.section(u'/', 1));
+               file, version, QString::number(addin::interfaceVersion));
 }
 
 addin::Plugin& loadAddin(const QString& file)
 {
     QPluginLoader loader(file);
     const QString made = loader.metaData().value(u"IID"_s).toString();
-    if (!made.isEmpty() && made != QLatin1String(HerboraPlugin_iid))
+    if (made.isEmpty()) {
+        qCWarning(libraryLog).noquote() << loader.errorString();
+        throw jet::Error(notLoadable, u"Le fichier « %1 » n'est pas une bibliothèque de complément."_s.arg(file));
+    }
+    if (made != QLatin1String(HerboraPlugin_iid))
         throw jet::Error(notAnAddin, u"La bibliothèque « %1 » n'est pas un complément de Herbora."_s.arg(file));
     // A symbol that is missing must be found out here, not by an abort at the first call.
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);

@@ -17,6 +17,8 @@ QString addinName(const QString& file);
 /// Why a library that was made for other headers is not loaded, in French; read from the file without running
 /// anything of it. Empty when nothing speaks against it.
 QString addinRefusal(const QString& file);
+/// The same sentence for a library of that version.
+QString addinRefusal(const QString& file, const QString& version);
 
 /// Loads a library and gives its entry object, which lives until the program ends: texts of a library may still be in
 /// use when its project is closed. Throws jet::Error: 48 not loadable, 429 not an add-in; passes on what the library

@@ -15,19 +15,19 @@ using platform::BoxIcon;
 
 namespace {
 
-Q_LOGGING_CATEGORY(addinLog, "herbora.addin")
+Q_LOGGING_CATEGORY(addinLog, "herbora.addin", QtInfoMsg)
 
 constexpr int addinFailed = 440;
 const QString caption = u"Herbora"_s;
 
-/// Runs code of a library; whatever it throws comes out as an error that names the library.
+/// Runs code of a library; whatever it throws comes out as an error that names it. (The program's own errors do.)
 template<typename Work>
 auto guarded(const QString& library, Work work)
 {
     try {
         return work();
-    } catch (const jet::Error& error) {
-        throw jet::Error(error.number(), u"Complément « %1 » : %2"_s.arg(library, error.description()));
+    } catch (const jet::Error&) {
+        throw;
     } catch (const std::exception& error) {
         throw jet::Error(addinFailed,
                          u"Le complément « %1 » a échoué : %2"_s.arg(library, QString::fromUtf8(error.what())));
@@ -132,7 +132,6 @@ bool Addins::hasLibrary(const QString& name) const
 
 void Addins::reportCritical(const jet::Error& error)
 {
-    qCWarning(addinLog).noquote() << error.number() << error.description();
     m_dialogues.tell(QStringList{u"ERREUR Critique !"_s,
                                  u':' + QString::number(error.number()) + u' ' + error.description(),
                                  u"Impossible d'établir une connexion avec la base de données"_s}
@@ -148,22 +147,35 @@ void Addins::connectBuiltIn()
     m_items.push_back(Item::withoutLibrary(std::make_unique<CL_Identification>(), data::coreDéterminations()));
 }
 
+/// The entry object of a library; null, and said so, when it was made for other headers.
+addin::Plugin* Addins::pluginOf(const QString& file)
+{
+    QString refusal = addinRefusal(file);
+    addin::Plugin* plugin = refusal.isEmpty() ? &loadAddin(file) : nullptr;
+    if (plugin && plugin->InterfaceVersion() != addin::interfaceVersion) {
+        refusal = addinRefusal(file, QString::number(plugin->InterfaceVersion()));
+        plugin = nullptr;
+    }
+    if (!plugin)
+        m_dialogues.tell(refusal, caption, BoxIcon::Stop);
+    return plugin;
+}
+
 void Addins::connectLibrary(const QString& file, const data::Dictionary& dictionary)
 {
-    const QString refusal = addinRefusal(file);
-    if (!refusal.isEmpty()) {
-        m_dialogues.tell(refusal, caption, BoxIcon::Stop);
-        return;
-    }
     const QString name = addinName(file);
     auto item = std::make_unique<Item>();
     item->library = name;
-    item->object = guarded(name, [&] { return loadAddin(file).Connexion(&m_host); });
+    guarded(name, [&] {
+        if (addin::Plugin* plugin = pluginOf(file))
+            item->object = plugin->Connexion(&m_host);
+        if (item->object)
+            item->definition = definitionOf(*item->object, name);
+    });
     if (!item->object) {
-        qCInfo(addinLog).noquote() << file << "gives no module";
+        qCDebug(addinLog).noquote() << file << "gives no module";
         return;
     }
-    item->definition = guarded(name, [&] { return definitionOf(*item->object, name); });
     const data::ModuleRecord* known = dictionary.module(item->definition.name);
     if (find(item->definition.name) || (known && known->isUser())) {
         qCWarning(addinLog).noquote() << file << ": the module" << item->definition.name << "is there already";

@@ -49,6 +49,7 @@ private:
     struct Item;
     Item* find(QStringView module) const;
     void connectBuiltIn();
+    addin::Plugin* pluginOf(const QString& file);
     void connectLibrary(const QString& file, const data::Dictionary& dictionary);
     bool hasLibrary(const QString& name) const;
     void reportCritical(const jet::Error& error);

@@ -24,9 +24,10 @@ QString composed(const QString& text)
     return text.normalized(QString::NormalizationForm_C).trimmed();
 }
 
-[[noreturn]] void refuse(const QString& why)
+[[noreturn]] void refuse(const data::ModuleRecord& module, const QString& why)
 {
-    throw jet::Error(invalidDefinition, why);
+    throw jet::Error(invalidDefinition,
+                     u"Le complément « %1 » est refusé : %2"_s.arg(module.provider, why));
 }
 
 /// A name that a bracketed name of a statement can hold.
@@ -83,13 +84,12 @@ data::FieldRecord recordOf(const addin::ChpEdition& chp, const QString& provider
 void checkField(const data::ModuleRecord& module, const data::FieldRecord& field)
 {
     if (!isName(field.column, nameSize) || isStandardColumn(field.column, module.name))
-        refuse(u"Le champ « %1 » du module « %2 » porte un nom qui ne peut être celui d'un champ."_s.arg(
-            field.column, module.name));
+        refuse(module, u"« %1 » ne peut être le nom d'un champ du module « %2 »."_s.arg(field.column, module.name));
     if (module.field(field.column))
-        refuse(u"Le champ « %1 » est défini plusieurs fois dans le module « %2 »."_s.arg(field.column, module.name));
+        refuse(module, u"le champ « %1 » est défini plusieurs fois dans le module « %2 »."_s.arg(field.column, module.name));
     if (field.rule.size() + field.ruleText.size() >= textSize || field.rule.contains(u'|'))
-        refuse(u"La règle de validation du champ « %1 » du module « %2 » est trop longue ou contient « | »."_s.arg(
-            field.column, module.name));
+        refuse(module, u"la règle de validation du champ « %1 » du module « %2 » est trop longue ou contient « | »."_s.arg(
+                           field.column, module.name));
 }
 
 } // namespace
@@ -123,13 +123,13 @@ addin::TabEditions fieldsOf(const data::ModuleRecord& module)
 data::ModuleRecord definitionOf(addin::gtAddin& addin, const QString& provider)
 {
     data::ModuleRecord module;
+    module.provider = provider;
     module.name = composed(addin.NomModule());
     if (!isName(module.name, moduleNameSize) || isReserved(module.name))
-        refuse(u"« %1 » ne peut être le nom d'un module."_s.arg(module.name));
+        refuse(module, u"« %1 » ne peut être le nom d'un module."_s.arg(module.name));
     module.label = composed(addin.NomObjet()).left(nameSize);
     if (module.label.isEmpty())
         module.label = module.name;
-    module.provider = provider;
     module.version = addin.Version().left(nameSize);
     module.icon = addin.Icone();
     if (addin.IndividuMixteUnique())

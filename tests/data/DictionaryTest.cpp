@@ -119,6 +119,8 @@ TEST(Dictionary, PurgesAModuleWhoseProviderIsGone)
     store.put(u"Base"_s, u"Mesures"_s, u"base"_s, u"x"_s);
     // The provider becomes a library that is not there.
     db.Execute(u"UPDATE PGTableDefs SET ModuleConnexion=\"Dendro\" WHERE NomModule=\"Mesures\""_s);
+    project.dialogues.expectTell(u"La DLL Dendro est introuvable dans le répertoire "_s + project.path(u"addins"_s),
+                                 u"Herbora"_s, platform::BoxIcon::Warning);
     ASSERT_TRUE(project.open());
 
     EXPECT_FALSE(project.session.dictionary().module(u"Mesures"));
@@ -142,6 +144,8 @@ TEST(Dictionary, KeepsAModuleWithoutTheConnectionBit)
     addModule(project, mesures());
     project.db().Execute(
         u"UPDATE PGTableDefs SET ModuleConnexion=\"Dendro\", Flags=0 WHERE NomModule=\"Mesures\""_s);
+    project.dialogues.expectTell(u"La DLL Dendro est introuvable dans le répertoire "_s + project.path(u"addins"_s),
+                                 u"Herbora"_s, platform::BoxIcon::Warning);
     ASSERT_TRUE(project.open());
     EXPECT_TRUE(project.db().schema().table(u"Mesures"));
 }
