@@ -119,6 +119,7 @@ void fillProject(Session& session, const DemoData& data, const QString& imageFol
         restoreSearch(session, progression);
     } else {
         writeDemoRecords(database, data, reference, stamp, progression);
+        writeDemoTrees(session, stamp);
     }
     progression.step(u"Création des requêtes et modèles"_s, 92);
     writeDemoObjects(session, imageFolder);

@@ -2,6 +2,7 @@
 
 #include "app/DemoData.h"
 #include "data/FieldType.h"
+#include "jet/SqlText.h"
 
 #include <QFile>
 
@@ -98,6 +99,20 @@ void writeDemoStructure(Session& session, const QStringList& herbaria)
     session.properties().put(data::kindDescripteur, data::moduleIndividus, u"Herbier"_s, herbaria.join(u';'));
     session.dictionary().load();
     operation.commit();
+}
+
+void writeDemoTrees(Session& session, const QString& stamp)
+{
+    const data::ModuleRecord* trees = session.dictionary().module(u"Dendrométrie");
+    if (!trees || trees->provider != u"Dendrometrie")
+        return;
+    const QString now = jet::texte(stamp);
+    session.database().Execute(
+        u"INSERT INTO [Dendrométrie] ([ID Individus],[KeyParent],[DateCreate],[DateModify],[DateMesure],"
+        "[ID Collecteurs],[Circonférence],[HauteurTotale])"
+        " SELECT [ID Individus],[KeyParent],"_s + now + u','
+        + now + u",[DateÉchantillon],[ID Collecteurs],Round([Diamètre]*3.14159265,1),[Hauteur]"
+        " FROM [Mesures] WHERE [Diamètre] IS NOT NULL"_s);
 }
 
 void writeDemoObjects(Session& session, const QString& imageFolder)
