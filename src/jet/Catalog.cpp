@@ -88,6 +88,17 @@ Relation relationAt(const Statement& row)
     return relation;
 }
 
+/// Its tables and columns are there.
+bool isWhole(const Relation& relation, const Schema& schema)
+{
+    const TableDef* primary = schema.table(relation.Table);
+    const TableDef* foreign = schema.table(relation.ForeignTable);
+    return primary && foreign && !relation.Fields.isEmpty()
+           && std::all_of(relation.Fields.cbegin(), relation.Fields.cend(), [&](const auto& pair) {
+                  return primary->field(pair.first) && foreign->field(pair.second);
+              });
+}
+
 QString moment(const QDateTime& value)
 {
     return value.toString(Qt::ISODate);
@@ -201,10 +212,10 @@ Schema Catalog::readAll(QStringList& differences)
                                  " FROM MSysRelationships"_s);
     while (relations.step()) {
         Relation relation = relationAt(relations);
-        if (schema.table(relation.Table) && schema.table(relation.ForeignTable))
+        if (isWhole(relation, schema))
             schema.put(std::move(relation));
         else
-            differences += u"Une table de la relation « %1 » manque."_s.arg(relation.Name);
+            differences += u"Une table ou un champ de la relation « %1 » manque."_s.arg(relation.Name);
     }
     Statement queries(m_store, u"SELECT Name, SQL, DateCreate, LastUpdated FROM MSysQueries"_s);
     while (queries.step()) {

@@ -466,6 +466,20 @@ TEST_F(FileTest, WhatAnotherProgramTookAwayIsReportedAndTheRestOpens)
     EXPECT_TRUE(findings[2].contains(u"règle de « Taxons »"_s)) << findings[2].toStdString();
 }
 
+TEST_F(FileTest, ARelationOnAColumnThatIsNotThereIsReportedAndLeftOut)
+{
+    createTaxa();
+    db->AppendTable({.Name = u"Notes"_s, .Fields = {field(u"ID Taxons"_s, DataType::Long)}});
+    db->AppendRelation({.Name = u"Notes"_s, .Table = u"Taxons"_s, .ForeignTable = u"Notes"_s,
+                        .Fields = {{u"ID Taxons"_s, u"ID Taxons"_s}}});
+    for (const QString& fields : {u"[[\"ID Taxon\",\"ID Taxons\"]]"_s, u"[[\"ID Taxons\",\"X\"]]"_s, u"[]"_s, u"{"_s}) {
+        run(u"UPDATE MSysRelationships SET Fields='%1'"_s.arg(fields));
+        reopen();
+        EXPECT_EQ(db->schema().relation(u"Notes"), nullptr) << fields.toStdString();
+        EXPECT_EQ(db->Check(false).size(), 1) << db->Check(false).join(u'\n').toStdString();
+    }
+}
+
 TEST_F(FileTest, RowsThatBreakTheRulesAreReported)
 {
     create();
