@@ -186,6 +186,14 @@ std::optional<QString> timeText(const QStringList& elements)
     return parts.join(u':');
 }
 
+/// Where the " - 10:30" of a shown date begins; -1 when there is none.
+qsizetype shownTime(const QString& text)
+{
+    const qsizetype dash = text.lastIndexOf(u" - ");
+    const QStringView behind = QStringView(text).sliced(dash < 0 ? text.size() : dash);
+    return behind.contains(u':') && !behind.contains(u'/') && !behind.contains(u'\\') ? dash : -1;
+}
+
 /// The two digits at `at` as a number; -1 when they are none.
 int twoDigits(QStringView text, qsizetype at)
 {
@@ -263,16 +271,19 @@ QString ParseDate(const QString& text)
 {
     if (isDateText(text))
         return text;
-    const QStringList elements = elementsOf(text.normalized(QString::NormalizationForm_C));
+    const QString composed = text.normalized(QString::NormalizationForm_C);
+    const qsizetype dash = shownTime(composed);
+    const QStringList elements = elementsOf(dash < 0 ? composed : composed.first(dash));
     if (elements.isEmpty())
         return {};
-    const qsizetype dateSize = std::min<qsizetype>(3, elements.size());
-    const QStringList date = elements.first(dateSize);
-    const QStringList time = elements.mid(3);
+    const QStringList date = elements.first(std::min<qsizetype>(3, elements.size()));
+    QStringList time = elements.mid(3);
+    // The time of a shown date without its day says nothing.
+    if (dash >= 0 && date.size() == 3)
+        time += elementsOf(composed.mid(dash));
     for (const auto reading : {yearFirst, dayFirst, monthFirst}) {
-        const bool partial = reading == &monthFirst;
         const std::optional<Day> day = reading(date);
-        if (!day || (partial && elements.size() > 2))
+        if (!day || (reading == &monthFirst && elements.size() > 2))
             continue;
         const std::optional<QString> clock = timeText(time);
         if (!clock)

@@ -111,6 +111,10 @@ TEST(Dates, AreShownInSixStyles)
         EXPECT_EQ(FormatDate(u"2001/03/06"_s, style), styles[style]);
         EXPECT_FALSE(ParseDate(styles[style]).isEmpty()) << style;
     }
+    // With a time; where the day is not shown, the time is not taken back.
+    const QStringList read{u"2001/03/06 10:30"_s, u"2001/03/06 10:30"_s, u"2001/03"_s, u"2003/01"_s, u"2001"_s, u"2001/06/03 10:30"_s};
+    for (int style = 0; style < 6; ++style)
+        EXPECT_EQ(ParseDate(FormatDate(u"2001/03/06 10:30"_s, style)), read[style]) << style;
     EXPECT_EQ(FormatDate(u"2001/03"_s, 0), u"mars 2001"_s);
     EXPECT_EQ(FormatDate(u"2001"_s, 1), u"2001"_s);
     EXPECT_EQ(FormatDate(u"2001/03/06 10:30"_s, 0), u"06 mars 2001 - 10:30"_s);

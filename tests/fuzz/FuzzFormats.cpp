@@ -59,11 +59,11 @@ void dates(const QString& text)
         editing::FormatDate(text, style);
         const QString shown = editing::FormatDate(date, style);
         require(shown.isEmpty() == date.isEmpty());
-        require(style == 3 || shown.isEmpty() || !editing::ParseDate(shown).isEmpty());
+        require(shown.isEmpty() || !editing::ParseDate(shown).isEmpty());
     }
     const QString lower = editing::DateBound(text, false);
     require(lower.isEmpty() == date.isEmpty());
-    require(lower.isEmpty() || lower < editing::DateBound(text, true));
+    require(lower.isEmpty() || lower <= editing::DateBound(text, true));
 }
 
 /// What a field shows and answers, whatever its value.
