@@ -2,6 +2,7 @@
 
 #include "app/DemoData.h"
 #include "data/FieldType.h"
+#include "query/QueryText.h"
 #include "jet/SqlText.h"
 
 #include <QFile>
@@ -69,10 +70,31 @@ QList<data::FieldRecord> measureFields()
     return fields;
 }
 
-/// Lines of items, as stored objects keep them.
-QString lines(const QStringList& lines)
+/// The permanent name of a field of the record that a field leads to.
+QString beneath(const QString& link, const QString& field)
 {
-    return lines.join(u"\r\n"_s);
+    return link + query::pathSeparator + field;
+}
+
+/// Stores a query: columns (field, alias, order) and one criterion, the fields by their permanent names.
+void writeQuery(Session& session, const QString& module, const QString& name, const QList<query::OutputColumn>& columns,
+                const query::Criterion& criterion)
+{
+    qint32 counter = 0;
+    editing::EditingContext context;
+    context.nextId = [&counter] { return ++counter; };
+    query::Structure structure(session.database(), context);
+    structure.LoadStructure(session.modules());
+    structure.setNomModule(module);
+    query::QueryDefinition definition;
+    definition.module = module;
+    definition.columns = columns;
+    for (query::OutputColumn& column : definition.columns)
+        column.path = structure.PathFromPermanent(module, column.path);
+    query::Criterion row = criterion;
+    row.path = structure.PathFromPermanent(module, row.path);
+    definition.criteria.add(row);
+    session.properties().put(data::kindRequête, module, name, query::textOf(definition, structure));
 }
 
 } // namespace
@@ -120,18 +142,23 @@ void writeDemoObjects(Session& session, const QString& imageFolder)
     jet::Operation operation(session.database(), u"Démonstration : requêtes et modèles"_s);
     data::PropertyStore& store = session.properties();
     const QString individus = data::moduleIndividus;
-    // Mode, columns (field, alias, sort order), criteria (link, field, operator, value).
-    store.put(data::kindRequête, individus, u"Plantes d'altitude"_s,
-              lines({u"data"_s, u"Individus.Numéro\tNuméro\tCroissant"_s, u"Individus.Altitude\tAltitude\tDécroissant"_s,
-                     u"Individus.ID Localités\tLocalité\t"_s, u"ET\tIndividus.Altitude\t>\t400"_s}));
-    store.put(data::kindRequête, individus, u"Herbier RB"_s,
-              lines({u"data"_s, u"Individus.Numéro\tNuméro\t"_s, u"Individus.ID Collecteurs\tCollecteur\tCroissant"_s,
-                     u"Individus.DateRécolte\tDate de récolte\t"_s, u"ET\tIndividus.Herbier\t=\tRB"_s}));
-    store.put(data::kindRequête, measures, u"Grands arbres"_s,
-              lines({u"data"_s, u"Mesures.Diamètre\tDiamètre\tDécroissant"_s, u"Mesures.Hauteur\tHauteur\t"_s,
-                     u"ET\tMesures.Diamètre\t>\t40"_s}));
+    using query::orderDown;
+    using query::orderUp;
+    writeQuery(session, individus, u"Plantes d'altitude"_s,
+               {{u"Numéro"_s, u"Numéro"_s, orderUp, {}},
+                {u"Altitude"_s, u"Altitude"_s, orderDown, {}},
+                {beneath(u"ID Localités"_s, u"Nom Entier"_s), u"Localité"_s, {}, {}}},
+               {.path = u"Altitude"_s, .op = u">"_s, .value = u"400"_s});
+    writeQuery(session, individus, u"Herbier RB"_s,
+               {{u"Numéro"_s, u"Numéro"_s, {}, {}},
+                {beneath(u"ID Collecteurs"_s, u"Collecteur"_s), u"Collecteur"_s, orderUp, {}},
+                {u"DateRécolte"_s, u"Date de récolte"_s, {}, {}}},
+               {.path = u"Herbier"_s, .op = u"="_s, .value = u"RB"_s});
+    writeQuery(session, measures, u"Grands arbres"_s,
+               {{u"Diamètre"_s, u"Diamètre"_s, orderDown, {}}, {u"Hauteur"_s, u"Hauteur"_s, {}, {}}},
+               {.path = u"Diamètre"_s, .op = u">"_s, .value = u"40"_s});
     // Key of the record, field, preset value.
-    store.put(data::kindModèle, individus, u"Récolte pour RB"_s, lines({u"0-Individus;Herbier;RB"_s}));
+    store.put(data::kindModèle, individus, u"Récolte pour RB"_s, u"0-Individus;Herbier;RB"_s);
     store.put(u"ImagePaths"_s, u"Images"_s, u"Paths"_s, imageFolder);
     operation.commit();
 }
