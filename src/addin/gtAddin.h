@@ -23,7 +23,7 @@ public:
     virtual QVariant value(const QString& column) const = 0; ///< Invalid for Null or an unknown column.
 };
 
-/// What serves one module. The host owns nothing of it: the library keeps it until it is unloaded.
+/// What serves one module. The host owns nothing of it: the library keeps it, and stays loaded, until the program ends.
 class gtAddin {
 public:
     virtual ~gtAddin() = default;
@@ -41,14 +41,16 @@ public:
     virtual void CancelEdition() {}
     /// A picture file (PNG, SVG …); empty for the default icon.
     virtual QByteArray Icone() const { return {}; }
+    /// Another version than the project has makes the program take over the definitions again.
     virtual QString Version() const = 0;
-    /// The fields of the module, from which the dictionary is written.
+    /// The fields of the module, from which the dictionary is written. Asked again for each form.
     virtual TabEditions GetTabEditions() = 0;
-    /// Name of the module and of its table.
+    /// Name of the module and of its table, up to 30 characters, without brackets, points, "!", ";", "|" and quotes.
     virtual QString NomModule() const = 0;
     /// Display name of one record.
     virtual QString NomObjet() const = 0;
-    /// The rows of the module's table, handed over by the host; null until then.
+    /// The rows of the module's table, handed over by the host once the table is there; null until then and again when
+    /// the project is closed.
     virtual Rows* Recordset() { return m_rows; }
     virtual void SetRecordset(Rows* rows) { m_rows = rows; }
 
@@ -71,7 +73,8 @@ public:
     virtual ~Plugin() = default;
     /// The headers' version the library was built with: `return addin::interfaceVersion;`
     virtual int InterfaceVersion() const = 0;
-    /// Gives the library's module, or nothing. Called once for each opening of a project.
+    /// Gives the library's module, or nothing. Called once for each opening of a project, on the thread of the opening,
+    /// before the module's table is there. The host lives until the program ends.
     virtual gtAddin* Connexion(Base* host) = 0;
 };
 
