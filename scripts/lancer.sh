@@ -34,5 +34,13 @@ if [ -z "$(find "$captures" -name '*.png' -size +0 -print -quit)" ]; then
     echo "Aucune image n'a été produite dans $captures" >&2
     exit 1
 fi
+"$programmes/herbora-cli" infos "$fichier" --json >"$captures/arbre.json"
+"$programmes/herbora-cli" sql "$fichier" --csv \
+    'SELECT Individus.[Numéro], Collecteurs.[Collecteur], Individus.[DateRécolte], Taxons.[Nom Complet], Localités.[Nom Entier]
+     FROM (((Individus LEFT JOIN Collecteurs ON Individus.[ID Collecteurs]=Collecteurs.[ID Collecteurs])
+     LEFT JOIN Déterminations ON Individus.[ID Déterminations]=Déterminations.[ID Déterminations])
+     LEFT JOIN Taxons ON Déterminations.[ID Taxons]=Taxons.[ID Taxons])
+     LEFT JOIN Localités ON Individus.[ID Localités]=Localités.[ID Localités]
+     ORDER BY Individus.[ID Individus]' >"$captures/individus.csv"
 echo "Images et exports :"
 find "$PWD/$captures" -type f | sort

@@ -123,6 +123,21 @@ void photographTables(Photographer& photographer)
     photographer.take(u"taxons"_s);
 }
 
+/// The offscreen platform remarks on every window that it cannot tell a manager its sizes; nobody needs that.
+class QuietPlatform {
+public:
+    QuietPlatform() { previous = qInstallMessageHandler(pass); }
+    ~QuietPlatform() { qInstallMessageHandler(previous); }
+
+private:
+    static void pass(QtMsgType type, const QMessageLogContext& context, const QString& message)
+    {
+        if (!message.contains(u"propagateSizeHints") && previous)
+            previous(type, context, message);
+    }
+    static inline QtMessageHandler previous = nullptr;
+};
+
 } // namespace
 
 int takeCaptures(const QString& folder, const QString& file, const QString& applicationFolder)
@@ -131,6 +146,7 @@ int takeCaptures(const QString& folder, const QString& file, const QString& appl
         QTextStream(stderr) << u"Impossible de créer le dossier "_s << folder << '\n';
         return 1;
     }
+    const QuietPlatform quiet;
     PrintedDialogues dialogues;
     Program program({applicationFolder, {}, {}}, dialogues);
     program.window().show();
