@@ -23,9 +23,41 @@ struct PropertyObject {
     QString dateModify;
 };
 
+/// One object as it is to be saved.
+struct PropertyDraft {
+    int id = 0; ///< `ID Prop` of the object that it was read from; 0 for a new one.
+    QString kind;
+    QString module;
+    QString name;
+    QString value;
+};
+
+/// Told of the objects that have a node in the module tree (queries, models and base properties), after they are
+/// in the store or out of it. The node is keyed by nodeKey() and stands under the object's module.
+class PropertyObserver {
+public:
+    virtual ~PropertyObserver() = default;
+    virtual void objectAdded(const PropertyObject& object) = 0;
+    virtual void objectRemoved(const PropertyObject& object) = 0;
+};
+
+/// The key of an object's node: "12-query", "12-model", "12-base".
+QString nodeKey(const PropertyObject& object);
+
+/// Blanks around names and values are never kept. Names are compared without case.
 class PropertyStore {
 public:
     PropertyStore(jet::Database& database, const platform::Clock& clock);
+
+    /// An observer must be taken back before it goes; the store holds nothing of it.
+    void addObserver(PropertyObserver* observer);
+    void removeObserver(PropertyObserver* observer);
+
+    /// Saves as the user wants it: over the object that it was read from, or under a name that is asked until it
+    /// is unique. Gives its `ID Prop`; 0 when the user gave up or it failed (which is said).
+    int save(const PropertyDraft& draft, platform::Dialogues& dialogues);
+    /// Asks, then deletes the object. False when the user said no, there is none or it failed (which is said).
+    bool remove(int id, platform::Dialogues& dialogues);
 
     /// Objects of the kinds ("Requête,Base,Modèle", or "*" for all), of one module or (empty) of all, by name.
     QList<PropertyObject> list(const QString& kinds, const QString& module = {}) const;
@@ -42,10 +74,15 @@ public:
     void clean(const QString& module, const QString& column = {});
 
 private:
+    int add(const PropertyDraft& draft);
+    bool overwrite(const PropertyDraft& draft, platform::Dialogues& dialogues);
+    QString askName(const PropertyDraft& draft, platform::Dialogues& dialogues) const;
+    void announce(void (PropertyObserver::*event)(const PropertyObject&), const PropertyObject& object) const;
     void cleanKind(const QString& kind, const std::function<QString(const QString&)>& cleaned);
 
     jet::Database& m_database;
     const platform::Clock& m_clock;
+    QList<PropertyObserver*> m_observers;
 };
 
 } // namespace data
