@@ -41,6 +41,27 @@ void appendIds(jet::Database& database, const QString& statement, QList<qint32>&
         ids << rows->Value(0).toInt();
 }
 
+/// A grid over a join gives a record once for each of its rows.
+QList<qint32> withoutRepetitions(const QList<qint32>& ids)
+{
+    QList<qint32> once;
+    QSet<qint32> seen;
+    for (const qint32 id : ids) {
+        if (!seen.contains(id))
+            once << id;
+        seen.insert(id);
+    }
+    return once;
+}
+
+qint64 countOf(const QMap<QString, QList<qint32>>& keys)
+{
+    qint64 count = 0;
+    for (const QList<qint32>& list : keys)
+        count += list.size();
+    return count;
+}
+
 QString records(qint64 count)
 {
     return QString::number(count) + u" enregistrement(s)"_s;
@@ -154,39 +175,41 @@ void RecordRules::setLocked(const QString& module, qint32 id, bool locked)
 /// Records under the given ones: for individuals all they own, else along the parent keys.
 RecordRules::Keys RecordRules::descendants(const QString& module, const QList<qint32>& ids) const
 {
+    return module == moduleIndividus ? owned(ids) : below(module, ids);
+}
+
+RecordRules::Keys RecordRules::owned(const QList<qint32>& individuals) const
+{
     Keys found;
-    if (module == moduleIndividus) {
-        for (const ModuleRecord& other : m_dictionary.modules()) {
-            if (other.isIndividus())
-                continue;
-            inPieces(ids, [&](const QList<qint32>& piece) {
-                appendIds(m_database,
-                          u"SELECT "_s + nom(other.idColumn()) + u" FROM "_s + nom(other.name)
-                              + u" WHERE [ID Individus] IN ("_s + jet::liste(piece) + u')',
-                          found[other.name]);
-            });
-        }
-        return found;
+    for (const ModuleRecord& other : m_dictionary.modules()) {
+        if (other.isIndividus())
+            continue;
+        inPieces(individuals, [&](const QList<qint32>& piece) {
+            appendIds(m_database,
+                      u"SELECT "_s + nom(other.idColumn()) + u" FROM "_s + nom(other.name)
+                          + u" WHERE [ID Individus] IN ("_s + jet::liste(piece) + u')',
+                      found[other.name]);
+        });
     }
+    return found;
+}
+
+RecordRules::Keys RecordRules::below(const QString& module, const QList<qint32>& ids) const
+{
+    Keys found;
+    QHash<QString, QSet<qint32>> seen; // a ring of parents (made by hand) ends
+    seen[module] = QSet<qint32>(ids.begin(), ids.end());
     Keys level{{module, ids}};
     while (!level.isEmpty()) {
         Keys next;
         for (auto parent = level.cbegin(); parent != level.cend(); ++parent) {
             for (const ModuleRecord& child : m_dictionary.modules()) {
-                QList<qint32> children;
-                inPieces(parent.value(), [&](const QList<qint32>& piece) {
-                    appendIds(m_database,
-                              u"SELECT "_s + nom(child.idColumn()) + u" FROM "_s + nom(child.name)
-                                  + u" WHERE [KeyParent] IN ("_s + quotedKeys(piece, parent.key()) + u')',
-                              children);
-                });
-                // A ring of parents (made by hand) ends here.
-                children.removeIf([&](qint32 id) {
-                    return found.value(child.name).contains(id)
-                           || (child.name == module && ids.contains(id));
-                });
+                QList<qint32> children = childrenOf(parent.key(), parent.value(), child);
+                QSet<qint32>& known = seen[child.name];
+                children.removeIf([&](qint32 id) { return known.contains(id); });
                 if (children.isEmpty())
                     continue;
+                known.unite(QSet<qint32>(children.begin(), children.end()));
                 found[child.name] += children;
                 next[child.name] += children;
             }
@@ -194,6 +217,18 @@ RecordRules::Keys RecordRules::descendants(const QString& module, const QList<qi
         level = next;
     }
     return found;
+}
+
+QList<qint32> RecordRules::childrenOf(const QString& parent, const QList<qint32>& ids, const ModuleRecord& child) const
+{
+    QList<qint32> children;
+    inPieces(ids, [&](const QList<qint32>& piece) {
+        appendIds(m_database,
+                  u"SELECT "_s + nom(child.idColumn()) + u" FROM "_s + nom(child.name) + u" WHERE [KeyParent] IN ("_s
+                      + quotedKeys(piece, parent) + u')',
+                  children);
+    });
+    return children;
 }
 
 bool RecordRules::askDeletion(const QString& module, const QList<qint32>& ids, qint64 children) const
@@ -207,18 +242,6 @@ bool RecordRules::askDeletion(const QString& module, const QList<qint32>& ids, q
     if (children > 0)
         text += u"\nAinsi que les "_s + records(children) + u" fils"_s;
     return m_dialogues.confirm(text, caption, platform::BoxIcon::Question, platform::Answer::No);
-}
-
-QList<qint32> RecordRules::existing(const QString& module, const QList<qint32>& ids) const
-{
-    QList<qint32> there;
-    inPieces(ids, [&](const QList<qint32>& piece) {
-        appendIds(m_database,
-                  u"SELECT "_s + nom(u"ID "_s + module) + u" FROM "_s + nom(module) + u" WHERE "_s
-                      + nom(u"ID "_s + module) + u" IN ("_s + jet::liste(piece) + u')',
-                  there);
-    });
-    return there;
 }
 
 /// Deletes the records of every module whose parent is among those gone, and what is under them.
@@ -267,44 +290,54 @@ int RecordRules::deleteNow(const QString& module, const QList<qint32>& ids, cons
                                         " AND [Locked]=False"_s);
     });
     report << u"--> "_s + records(deleted) + u" supprimé(s) "_s;
-
-    qint64 expected = 0;
-    for (const QList<qint32>& list : children)
-        expected += list.size();
-    report << u"Suppression attendue:"_s + records(expected) + u" fils"_s;
-
-    const QList<qint32> left = existing(module, ids);
-    const QSet<qint32> kept(left.begin(), left.end());
-    QList<qint32> gone = ids;
-    gone.removeIf([&](qint32 id) { return kept.contains(id); });
-    int sons = 0;
-    if (module == moduleIndividus) {
-        // The relation has already taken the records of these individuals along.
-        for (auto child = children.cbegin(); child != children.cend(); ++child) {
-            const int taken =
-                int(child.value().size() - existing(child.key(), child.value()).size());
-            if (taken > 0)
-                report << u"--> "_s + records(taken) + u" du module < "_s + child.key() + u" >"_s;
-            sons += taken;
-        }
-    }
-    sons += deleteOrphans(module, gone, report);
+    report << u"Suppression attendue:"_s + records(countOf(children)) + u" fils"_s;
+    const int sons = module == moduleIndividus ? reportOwned(children, report)
+                                               : deleteOrphans(module, goneOf(module, ids), report);
     report << records(sons) + u" fils supprimés"_s << records(deleted + sons) + u" supprimés au Total"_s;
     return deleted + sons;
 }
 
-QString RecordRules::deleteRecords(const QString& module, const QList<qint32>& ids)
+/// The relation has taken the records of the individuals along, whatever their parents: nothing is left to delete,
+/// and what another individual owns stays.
+int RecordRules::reportOwned(const Keys& children, QStringList& report) const
 {
+    int sons = 0;
+    for (const ModuleRecord& module : m_dictionary.modules()) {
+        const qsizetype taken = goneOf(module.name, children.value(module.name)).size();
+        if (taken > 0)
+            report << u"--> "_s + records(taken) + u" du module < "_s + module.name + u" >"_s;
+        sons += int(taken);
+    }
+    return sons;
+}
+
+/// Those of the records that are there no more.
+QList<qint32> RecordRules::goneOf(const QString& module, const QList<qint32>& ids) const
+{
+    QSet<qint32> kept;
+    inPieces(ids, [&](const QList<qint32>& piece) {
+        QList<qint32> there;
+        appendIds(m_database,
+                  u"SELECT "_s + nom(u"ID "_s + module) + u" FROM "_s + nom(module) + u" WHERE "_s
+                      + nom(u"ID "_s + module) + u" IN ("_s + jet::liste(piece) + u')',
+                  there);
+        kept.unite(QSet<qint32>(there.begin(), there.end()));
+    });
+    QList<qint32> gone = ids;
+    gone.removeIf([&](qint32 id) { return kept.contains(id); });
+    return gone;
+}
+
+QString RecordRules::deleteRecords(const QString& module, const QList<qint32>& selected)
+{
+    const QList<qint32> ids = withoutRepetitions(selected);
     if (ids.isEmpty() || !savable(module))
         return {};
     QStringList report{u"Suppression attendue : "_s + records(ids.size()) + u" du Module < "_s + module
                        + u" >"_s};
     try {
         const Keys children = descendants(module, ids);
-        qint64 count = 0;
-        for (const QList<qint32>& list : children)
-            count += list.size();
-        if (!askDeletion(module, ids, count))
+        if (!askDeletion(module, ids, countOf(children)))
             return {};
         jet::Operation operation(m_database, u"Suppression dans "_s + module);
         deleteNow(module, ids, children, report);

@@ -51,7 +51,7 @@ public:
 
     /// Asks, then deletes the records that are not locked with everything under them: whole or not at all.
     /// Shows the report; gives it, empty when the user said no or it failed.
-    QString deleteRecords(const QString& module, const QList<qint32>& ids);
+    QString deleteRecords(const QString& module, const QList<qint32>& selected);
 
     QString caption = QStringLiteral("Herbora"); ///< Of the program, in titles.
 
@@ -59,7 +59,11 @@ private:
     using Keys = QMap<QString, QList<qint32>>; ///< Module → identifiers.
 
     Keys descendants(const QString& module, const QList<qint32>& ids) const;
-    QList<qint32> existing(const QString& module, const QList<qint32>& ids) const;
+    Keys owned(const QList<qint32>& individuals) const;
+    Keys below(const QString& module, const QList<qint32>& ids) const;
+    QList<qint32> childrenOf(const QString& parent, const QList<qint32>& ids, const ModuleRecord& child) const;
+    QList<qint32> goneOf(const QString& module, const QList<qint32>& ids) const;
+    int reportOwned(const Keys& children, QStringList& report) const;
     int deleteOrphans(const QString& parent, const QList<qint32>& gone, QStringList& report);
     int deleteNow(const QString& module, const QList<qint32>& ids, const Keys& children,
                   QStringList& report);
