@@ -35,25 +35,58 @@ void flushFolder(const QString& folder)
 
 } // namespace
 
-QString replaceFile(const QString& path, const QByteArray& bytes)
+FileReplacement::FileReplacement(const QString& path)
+    : m_target(QFileInfo::exists(path) ? QFileInfo(path).canonicalFilePath() : path),
+      m_out(m_target + unfinished + QString::number(::getpid()))
 {
-    const QString target = QFileInfo::exists(path) ? QFileInfo(path).canonicalFilePath() : path;
-    QFile out(target + unfinished + QString::number(::getpid()));
-    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return out.errorString();
-    bool written = out.write(bytes) == bytes.size() && flushed(out);
-    QString error = out.errorString();
-    out.close();
+}
+
+FileReplacement::~FileReplacement()
+{
+    if (m_out.isOpen())
+        m_out.remove();
+}
+
+QString FileReplacement::open()
+{
+    return m_out.open(QIODevice::WriteOnly | QIODevice::Truncate) ? QString() : m_out.errorString();
+}
+
+QString FileReplacement::write(const QByteArray& piece)
+{
+    if (m_out.isOpen() && m_out.write(piece) == piece.size())
+        return {};
+    const QString error = m_out.errorString();
+    m_out.remove();
+    return error;
+}
+
+QString FileReplacement::commit()
+{
+    bool written = m_out.isOpen() && flushed(m_out);
+    QString error = m_out.errorString();
+    m_out.close();
     if (written) {
-        written = std::rename(QFile::encodeName(out.fileName()).constData(), QFile::encodeName(target).constData()) == 0;
+        written = std::rename(QFile::encodeName(m_out.fileName()).constData(),
+                              QFile::encodeName(m_target).constData())
+                  == 0;
         error = QString::fromLocal8Bit(std::strerror(errno));
     }
     if (!written) {
-        out.remove();
+        m_out.remove();
         return error;
     }
-    flushFolder(QFileInfo(target).absolutePath());
+    flushFolder(QFileInfo(m_target).absolutePath());
     return {};
+}
+
+QString replaceFile(const QString& path, const QByteArray& bytes)
+{
+    FileReplacement replacement(path);
+    QString error = replacement.open();
+    if (error.isEmpty())
+        error = replacement.write(bytes);
+    return error.isEmpty() ? replacement.commit() : error;
 }
 
 void removeUnfinished(const QString& path)

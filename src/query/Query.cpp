@@ -1,7 +1,6 @@
 #include "query/Query.h"
 
 #include "jet/Recordset.h"
-#include "query/SavedObject.h"
 
 #include <QLoggingCategory>
 
@@ -84,22 +83,17 @@ void Query::refreshStructure(const QList<data::ModuleRecord>& modules)
 
 bool Query::SaveQuery()
 {
-    try {
-        const std::optional<SavedObject> saved =
-            saveObject(m_world.database, m_world.clock, m_world.dialogues,
-                       {m_id, data::kindRequête, m_definition.module, m_name, textOf(m_definition, m_structure)});
-        if (!saved)
-            return false;
-        m_id = saved->id;
-        m_name = saved->name;
-        m_toSave = false;
-        return true;
-    } catch (const jet::Error& error) {
-        m_world.dialogues.tell(error.description(), u"Enregistrement de la "
-                                                    "Requête"_s,
-                               platform::BoxIcon::Stop);
+    const int saved = m_world.store.save(
+        {m_id, data::kindRequête, m_definition.module, m_name, textOf(m_definition, m_structure)}, m_world.dialogues);
+    if (saved <= 0)
         return false;
+    m_id = saved;
+    for (const data::PropertyObject& object : m_world.store.list(data::kindRequête, m_definition.module)) {
+        if (object.id == saved)
+            m_name = object.name;
     }
+    m_toSave = false;
+    return true;
 }
 
 bool Query::LoadRequête(const QString& name)
