@@ -1,6 +1,7 @@
 #include "data/RecordRules.h"
 
 #include "data/Confirmations.h"
+#include "jet/Store.h"
 #include "support/Project.h"
 
 namespace {
@@ -35,6 +36,15 @@ protected:
             return refused.text();
         }
         return {};
+    }
+
+    /// Says yes to the deletion, and takes the report.
+    void agree(const QString& what, int sons)
+    {
+        project.dialogues.expectConfirm(u"Voulez-vous supprimer définitivement %1 > ?\nAinsi que les %2 enregistrement(s) fils"_s.arg(
+                                            what, QString::number(sons)),
+                                        u"Herbora"_s, true, BoxIcon::Question, Answer::No);
+        project.dialogues.expectLike({u"supprimés au Total"_s}, u"Herbora: Rapport de Suppression"_s, BoxIcon::Information);
     }
 
     TestProject project;
@@ -131,6 +141,56 @@ TEST_F(RecordRulesTest, LeavesLockedRecordsAndRefusals)
                                     u"Herbora"_s, false, BoxIcon::Question, Answer::No);
     EXPECT_EQ(rules->deleteRecords(u"Individus"_s, {2}), QString());
     EXPECT_EQ(project.single(u"SELECT Count(*) FROM Individus"_s).toInt(), 2);
+}
+
+TEST_F(RecordRulesTest, WhatAnotherIndividualOwnsStays)
+{
+    project.db().Execute(u"INSERT INTO Images ([ID Individus],[Fichier],[KeyParent]) VALUES (2,\"c.jpg\",\"1-Individus\")"_s);
+    project.db().Execute(u"INSERT INTO Images ([ID Individus],[Fichier],[KeyParent]) VALUES (2,\"d.jpg\",\"1-Déterminations\")"_s);
+    agree(u"l'enregistrement < Individus - ID1"_s, 3);
+    EXPECT_TRUE(rules->deleteRecords(u"Individus"_s, {1}).endsWith(u"\n4 enregistrement(s) supprimés au Total"_s));
+    EXPECT_EQ(project.rows(u"SELECT Fichier, KeyParent FROM Images ORDER BY Fichier"_s),
+              (QStringList{u"c.jpg|1-Individus"_s, u"d.jpg|1-Déterminations"_s}));
+}
+
+TEST_F(RecordRulesTest, ReportsALineForEachModuleAndLevel)
+{
+    project.db().Execute(u"INSERT INTO Déterminations ([ID Individus],[ID Taxons],[KeyParent]) VALUES (1,1,\"1-Images\")"_s);
+    project.db().Execute(u"INSERT INTO Images ([ID Individus],[Fichier],[KeyParent]) VALUES (1,\"e.jpg\",\"2-Images\")"_s);
+    agree(u"l'enregistrement < Déterminations - ID1"_s, 4);
+    EXPECT_EQ(rules->deleteRecords(u"Déterminations"_s, {1}),
+              u"Suppression attendue : 1 enregistrement(s) du Module < Déterminations >\n"
+              "--> 1 enregistrement(s) supprimé(s) \n"
+              "Suppression attendue:4 enregistrement(s) fils\n"
+              "--> 1 enregistrement(s) du module < Images >\n"
+              "--> 1 enregistrement(s) du module < Déterminations >\n"
+              "--> 1 enregistrement(s) du module < Images >\n"
+              "--> 1 enregistrement(s) du module < Images >\n"
+              "4 enregistrement(s) fils supprimés\n"
+              "5 enregistrement(s) supprimés au Total"_s);
+}
+
+TEST_F(RecordRulesTest, ARingOfParentsAndARepeatedRecordCountOnce)
+{
+    project.db().Execute(u"UPDATE Images SET [KeyParent]=\"2-Images\" WHERE [ID Images]=1"_s);
+    agree(u"l'enregistrement < Images - ID1"_s, 1);
+    EXPECT_TRUE(rules->deleteRecords(u"Images"_s, {1, 1}).endsWith(u"\n2 enregistrement(s) supprimés au Total"_s));
+    EXPECT_EQ(project.single(u"SELECT Count(*) FROM Images"_s).toInt(), 0);
+}
+
+TEST_F(RecordRulesTest, AFailureInTheMiddleLeavesEverything)
+{
+    project.db().store().run(u"CREATE TRIGGER refus BEFORE DELETE ON Images WHEN OLD.Fichier='b.jpg'"
+                             " BEGIN SELECT RAISE(ABORT,'refus'); END"_s);
+    project.dialogues.expectConfirm(u"Voulez-vous supprimer définitivement les 2 enregistrement(s) du module < Déterminations > ?\n"
+                                    "Ainsi que les 2 enregistrement(s) fils"_s,
+                                    u"Herbora"_s, true, BoxIcon::Question, Answer::No);
+    project.dialogues.expectLike({u"La suppression a échoué, aucun enregistrement n'a été supprimé :"_s}, u"Herbora"_s,
+                                 BoxIcon::Stop);
+    EXPECT_EQ(rules->deleteRecords(u"Déterminations"_s, {1, 2}), QString());
+    EXPECT_EQ(project.rows(u"SELECT [ID Déterminations] FROM Déterminations"_s), (QStringList{u"1"_s, u"2"_s}));
+    EXPECT_EQ(project.rows(u"SELECT KeyParent FROM Images"_s), (QStringList{u"1-Déterminations"_s, u"1-Images"_s}));
+    EXPECT_FALSE(project.db().inOperation());
 }
 
 TEST(Confirmations, AreAskedByTheirCode)
