@@ -2,6 +2,7 @@
 
 #include "Project.h"
 #include "app/ProjectFiles.h"
+#include "data/RecordRules.h"
 #include "jet/Recordset.h"
 
 #include <QCryptographicHash>
@@ -109,6 +110,38 @@ bool insert(const QString& folder)
 bool change(const QString& folder)
 {
     return withProject(folder, changeRecords);
+}
+
+/// Records under the individuals that are deleted, over two levels, and a link to one of them.
+void prepareFamilies(const QString& folder)
+{
+    makeProject(folder);
+    withProject(folder, [](jet::Database& database) {
+        database.Execute(
+            u"UPDATE Déterminations SET KeyParent = CStr([ID Individus]) & \"-Individus\""_s);
+        database.Execute(
+            u"UPDATE Individus SET [ID Déterminations] = [ID Individus] WHERE [ID Individus] < 3"_s);
+        for (int i = 0; i < 20; ++i) {
+            database.Execute(u"INSERT INTO Images ([ID Individus], Fichier, KeyParent) VALUES "
+                             "(%1, \"%2.jpg\", \"%1-Déterminations\")"_s.arg(
+                                 QString::number(i % 2 + 1), QString::number(i)));
+        }
+    });
+}
+
+/// As the user does it, with the report at the end.
+bool deleteIndividuals(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        return false;
+    }
+    const app::Surroundings& around = place.session().surroundings();
+    data::RecordRules rules(place.session().database(), place.session().dictionary(), around.clock,
+                            around.dialogues);
+    const bool deleted = !rules.deleteRecords(data::moduleIndividus, {1, 3}).isEmpty();
+    place.session().close();
+    return deleted;
 }
 
 // --- Optimising ---------------------------------------------------------------------------
@@ -252,6 +285,13 @@ const std::vector<Operation>& operations()
         {u"creer"_s, prepareNothing, create, createUnlessThere, projectState, {projectFile}, {}},
         {u"inserer"_s, makeProject, insert, reopen, projectState, {projectFile}, {}},
         {u"modifier"_s, makeProject, change, reopen, projectState, {projectFile}, {}},
+        {u"supprimer"_s,
+         prepareFamilies,
+         deleteIndividuals,
+         reopen,
+         projectState,
+         {projectFile},
+         {}},
         {u"optimiser"_s,
          prepareUntidy,
          optimise,
