@@ -6,17 +6,35 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList& flags()
+/// The command to which options belong: "--csv" of one is a flag, of another it takes a file.
+const QString queryCommand = u"requete"_s;
+
+QStringList flags(const QString& command)
 {
-    static const QStringList names{u"--json"_s, u"--csv"_s, u"--oui"_s, u"--non"_s, u"--help"_s,
-                                   u"--version"_s};
+    QStringList names{u"--json"_s, u"--oui"_s, u"--non"_s, u"--help"_s, u"--version"_s};
+    return names << (command == queryCommand ? u"--sql"_s : u"--csv"_s);
+}
+
+QStringList valued(const QString& command)
+{
+    QStringList names{u"--individus"_s, u"--taxons"_s, u"--mot-de-passe"_s};
+    if (command == queryCommand)
+        names << u"--module"_s << u"--csv"_s;
     return names;
 }
 
-const QStringList& valued()
+/// The first word, wherever the options stand.
+QString commandOf(const QStringList& arguments)
 {
-    static const QStringList names{u"--individus"_s, u"--taxons"_s, u"--mot-de-passe"_s};
-    return names;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == u"--")
+            return arguments.value(i + 1);
+        if (!arguments[i].startsWith(u"--"))
+            return arguments[i];
+        if (valued({}).contains(arguments[i]))
+            ++i;
+    }
+    return {};
 }
 
 } // namespace
@@ -49,6 +67,7 @@ int Arguments::number(const QString& option, int byDefault) const
 Arguments parseArguments(const QStringList& arguments)
 {
     Arguments result;
+    const QString command = commandOf(arguments);
     bool onlyWords = false;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
@@ -61,9 +80,9 @@ Arguments parseArguments(const QStringList& arguments)
             continue;
         }
         const QString name = argument.section(u'=', 0, 0);
-        if (flags().contains(argument)) {
+        if (flags(command).contains(argument)) {
             result.options.insert(argument, {});
-        } else if (valued().contains(name)) {
+        } else if (valued(command).contains(name)) {
             if (argument.contains(u'='))
                 result.options.insert(name, argument.section(u'=', 1));
             else if (i + 1 < arguments.size())
@@ -86,6 +105,10 @@ QString helpText()
            "  infos FICHIER [--json]            étapes de l'ouverture, puis l'arbre des modules\n"
            "  sql FICHIER \"INSTRUCTION\" …       exécute une ou plusieurs instructions\n"
            "      [--csv | --json]              forme des lignes obtenues\n"
+           "  requete FICHIER NOM               exécute une requête enregistrée\n"
+           "      [--module MODULE]             du module, quand plusieurs ont une requête de ce nom\n"
+           "      [--sql]                       montre l'instruction sans l'exécuter\n"
+           "      [--csv SORTIE]                écrit les lignes dans un fichier\n"
            "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
            "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
            "  demo FICHIER                      crée le projet de démonstration\n"

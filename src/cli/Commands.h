@@ -11,5 +11,6 @@ int runInfos(const Arguments& arguments);
 int runOptimise(const Arguments& arguments);
 int runVerify(const Arguments& arguments);
 int runDemo(const Arguments& arguments);
+int runRequest(const Arguments& arguments);
 
 } // namespace cli

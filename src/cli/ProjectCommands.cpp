@@ -2,10 +2,9 @@
 
 #include "app/Demo.h"
 #include "app/ModuleTree.h"
-#include "app/Session.h"
+#include "cli/Bench.h"
 #include "data/Verification.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,23 +15,6 @@ namespace cli {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A session with nothing of the desktop around it; the settings of the window stay untouched.
-class Bench {
-public:
-    Bench(const Arguments& arguments, bool printSteps)
-        : dialogues(arguments.answers()), progression(printSteps), settings(QString()),
-          session({dialogues, clock, settings, QCoreApplication::applicationDirPath(),
-                   QStringLiteral(HERBORA_VERSION)})
-    {
-    }
-
-    TerminalDialogues dialogues;
-    TerminalProgression progression;
-    platform::SystemClock clock;
-    platform::Settings settings;
-    app::Session session;
-};
 
 QJsonObject jsonOf(const app::TreeNode& node)
 {

@@ -94,6 +94,31 @@ TEST_F(CliTest, OptimisesOnlyWhenTold)
     EXPECT_EQ(sound.json(), (QJsonObject{{u"ok"_s, true}, {u"constats"_s, QJsonArray()}}));
 }
 
+TEST_F(CliTest, RunsStoredQueries)
+{
+    const auto store = [&](const QString& module, const QString& text) {
+        return run({u"sql"_s, file, u"INSERT INTO Propriétés ([Objet],[Module],[Nom],[Value]) VALUES (\"Requête\",\""_s + module
+                                        + u"\",\"Hauts\",\""_s + text + u"\")"_s}).status;
+    };
+    ASSERT_EQ(store(u"Individus"_s, u"data\r\ncolonne\t=N°\tCroissant\tNuméro\tIndividus.Numéro\r\n"
+                                    "critère\t1\tET\t>\t=10\tAltitude\tIndividus.Altitude"_s), 0);
+    run({u"sql"_s, file, u"INSERT INTO Individus ([Numéro],[Altitude]) VALUES (\"b\",20)"_s,
+         u"INSERT INTO Individus ([Numéro],[Altitude]) VALUES (\"a\",30)"_s,
+         u"INSERT INTO Individus ([Numéro],[Altitude]) VALUES (\"c\",5)"_s});
+    EXPECT_EQ(run({u"requete"_s, file, u"hauts"_s}).out, u"Individu\tID Individus\tN°\n2\t2\ta\n1\t1\tb\n"_s);
+    EXPECT_TRUE(run({u"requete"_s, u"--sql"_s, file, u"Hauts"_s}).out.contains(u"WHERE [Individus].[Altitude] > 10"_s));
+    const QString csv = folder.filePath(u"hauts.csv"_s);
+    EXPECT_EQ(run({u"requete"_s, file, u"Hauts"_s, u"--csv"_s, csv}).out, u"2 Ligne(s)\n"_s);
+    QFile written(csv);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "\"Individu\";\"ID Individus\";\"N°\"\r\n\"2\";\"2\";\"a\"\r\n\"1\";\"1\";\"b\"\r\n");
+    EXPECT_EQ(run({u"requete"_s, file, u"Absente"_s}).status, 2);
+    EXPECT_EQ(run({u"requete"_s, file}).status, 2);
+    ASSERT_EQ(store(u"Images"_s, u"data"_s), 0);
+    EXPECT_EQ(run({u"requete"_s, file, u"Hauts"_s}).status, 2);
+    EXPECT_EQ(run({u"requete"_s, file, u"Hauts"_s, u"--module"_s, u"Images"_s}).status, 0);
+}
+
 TEST_F(CliTest, FindsFaults)
 {
     run({u"sql"_s, file, u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s,
