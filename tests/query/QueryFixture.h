@@ -5,6 +5,8 @@
 #include "query/Query.h"
 #include "support/Project.h"
 
+#include <QFile>
+
 /// Captions joined as a reader writes them: "Individu/Numéro".
 inline QString fieldPath(const QString& captions)
 {
@@ -17,27 +19,38 @@ inline QString fieldPath(const QString& captions)
 /// 3 (individual 2, taxon 4), 4 (individual 3, taxon 2); each individual's own link leads to its current one.
 class QueryTest : public ::testing::Test {
 protected:
+    /// The project is made once; each test works on a copy.
+    static void SetUpTestSuite()
+    {
+        folder = std::make_unique<QTemporaryDir>();
+        support::TestProject made;
+        made.create();
+        app::writeDemoStructure(made.session, {QStringLiteral("RB"), QStringLiteral("P")});
+        fill(made.db());
+        made.session.close();
+        ASSERT_TRUE(QFile::copy(made.path(), folder->filePath(QStringLiteral("modele.hbx"))));
+    }
+    static void TearDownTestSuite() { folder.reset(); }
+
     void SetUp() override
     {
-        project.create();
-        app::writeDemoStructure(project.session, {QStringLiteral("RB"), QStringLiteral("P")});
-        fill();
+        ASSERT_TRUE(QFile::copy(folder->filePath(QStringLiteral("modele.hbx")), project.path()));
+        ASSERT_TRUE(project.open());
         context.nextId = [this] { return ++counter; };
         structure = std::make_unique<query::Structure>(project.db(), context);
         structure->LoadStructure(project.session.modules());
     }
 
-    void run(const char16_t* statement) { project.db().Execute(QString::fromUtf16(statement)); }
-
-    void fill()
+    static void fill(jet::Database& db)
     {
+        const auto run = [&db](const char16_t* statement) { db.Execute(QString::fromUtf16(statement)); };
         run(u"INSERT INTO Collecteurs ([Collecteur],[Initiales]) VALUES ('Durand','DU')");
         run(u"INSERT INTO Collecteurs ([Collecteur],[Initiales]) VALUES ('Petit','PE')");
         const char16_t* places[] = {u"'France',2,46,'1','France',0", u"'Hérault',3.5,43.6,'1/2','France - Hérault',1",
                                     u"'Lattes',3.9,43.5,'1/2/3','Hérault - Lattes',2",
                                     u"'Aude',2.4,43.1,'1/4','France - Aude',1"};
         for (const char16_t* place : places)
-            project.db().Execute(
+            db.Execute(
                 QStringLiteral("INSERT INTO Localités ([Localité],[LongDD],[LatDD],[CodeRegion],[Nom Entier],[ID Type]) "
                                "VALUES (")
                 + QString::fromUtf16(place) + QLatin1Char(')'));
@@ -45,7 +58,7 @@ protected:
                                   u"'ilex','Quercus ilex',1,2,3,Null", u"'ballota','Quercus ballota',1,2,4,3",
                                   u"'Rosaceae','Rosaceae',5,Null,Null,Null"};
         for (const char16_t* taxon : taxa)
-            project.db().Execute(QStringLiteral("INSERT INTO Taxons ([Taxon],[Nom Complet],[ID Famille],[ID Genre],"
+            db.Execute(QStringLiteral("INSERT INTO Taxons ([Taxon],[Nom Complet],[ID Famille],[ID Genre],"
                                                 "[ID Espèce],[ID Valid]) VALUES (")
                                  + QString::fromUtf16(taxon) + QLatin1Char(')'));
         // Number, collector, place, date, altitude, lists, current determination, locked.
@@ -53,7 +66,7 @@ protected:
                                     u"'B1',1,4,'1999',Null,'P',4,-1",        u"'b2',Null,1,Null,10,Null,Null,0",
                                     u"'C\"1',2,Null,'2010/12/31',0,'MPU;P',Null,0", u"Null,1,3,'2001',55,'RBX',Null,-1"};
         for (const char16_t* plant : plants)
-            project.db().Execute(QStringLiteral("INSERT INTO Individus ([Numéro],[ID Collecteurs],[ID Localités],"
+            db.Execute(QStringLiteral("INSERT INTO Individus ([Numéro],[ID Collecteurs],[ID Localités],"
                                                 "[DateRécolte],[Altitude],[Herbier],[ID Déterminations],[Locked]) VALUES (")
                                  + QString::fromUtf16(plant) + QLatin1Char(')'));
         run(u"INSERT INTO Déterminations ([ID Taxons],[ID Collecteurs],[ID Individus],[Réserve]) VALUES (3,1,1,'cf.')");
@@ -96,6 +109,7 @@ protected:
         return ids.join(QLatin1Char(' '));
     }
 
+    static inline std::unique_ptr<QTemporaryDir> folder;
     support::TestProject project;
     editing::EditingContext context;
     qint32 counter = 0;
