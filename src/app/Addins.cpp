@@ -44,7 +44,6 @@ void takeOver(addin::ChpEdition& field, const addin::TabEditions& given)
             continue;
         field.TextMask = own->TextMask;
         field.SubMenu = own->SubMenu;
-        field.MenuFlags = own->MenuFlags;
         field.Format = own->Format;
         field.Locked = own->Locked;
     }

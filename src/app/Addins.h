@@ -40,7 +40,7 @@ public:
     /// What serves a module; null when it is not connected.
     addin::gtAddin* item(QStringView module) const;
     /// The fields of a module as a form wants them, not bound to a record: what the dictionary says, with what only the
-    /// add-in knows (masks, menus, formats, locked fields).
+    /// add-in knows (masks, own menus, formats, locked fields).
     addin::TabEditions fields(const data::ModuleRecord& module) const;
     /// Passes an action on list items on to the module's add-in, where it wants that.
     void itemAction(const QString& module, const QString& action, const QVariantList& arguments, bool& cancel);

@@ -1,7 +1,7 @@
 #include "app/HostBase.h"
 
-#include "app/ModuleFields.h"
 #include "app/Session.h"
+#include "editing/ProjectRecords.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
 #include "reference/ProjectNames.h"
@@ -66,13 +66,21 @@ QList<QVariantList> rowsOf(jet::Recordset& rows)
 
 } // namespace
 
-/// The reference classes of the open project.
+/// The reference classes and records of the open project.
 struct HostBase::Names {
-    explicit Names(const reference::ReferenceContext& context)
-        : taxa(context), places(context), people(context),
+    explicit Names(Session& session)
+        : records(std::make_shared<editing::ProjectRecords>(session.database(), session.dictionary(),
+                                                            session.properties())),
+          context{[&session] { return session.nextId(); }, {}, records},
+          world{session.database(), session.surroundings().clock, session.surroundings().dialogues, context},
+          taxa(world), places(world), people(world),
           names(std::make_shared<reference::ProjectNames>(taxa, places, people))
     {
+        context.names = names;
     }
+    std::shared_ptr<editing::ProjectRecords> records;
+    editing::EditingContext context;
+    reference::ReferenceContext world;
     reference::Cl_Taxon taxa;
     reference::Cl_Localité places;
     reference::Cl_Collecteur people;
@@ -85,12 +93,8 @@ HostBase::~HostBase() = default;
 
 HostBase::Names& HostBase::names()
 {
-    if (!m_names) {
-        const Surroundings& around = m_session.surroundings();
-        const editing::EditingContext editing{[this] { return m_session.nextId(); }, {}, {}};
-        m_names = std::make_unique<Names>(
-            reference::ReferenceContext{m_session.database(), around.clock, around.dialogues, editing});
-    }
+    if (!m_names)
+        m_names = std::make_unique<Names>(m_session);
     return *m_names;
 }
 
@@ -277,7 +281,7 @@ bool HostBase::Wizard(const QString& title, addin::TabEditions& fields)
     if (!dialogue)
         return false;
     return answered(m_session, "Wizard", false, [&] {
-        editing::Cl_Editions form({[this] { return m_session.nextId(); }, names().names, {}});
+        editing::Cl_Editions form(names().context);
         form.setTabedition({}, fields);
         return dialogue->edit(title, form, [](editing::Cl_Editions& typed) { return typed.valid(); });
     });

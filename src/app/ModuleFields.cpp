@@ -1,6 +1,7 @@
 #include "app/ModuleFields.h"
 
 #include "data/FieldType.h"
+#include "editing/ProjectRecords.h"
 #include "jet/Definitions.h"
 #include "jet/Error.h"
 
@@ -14,6 +15,7 @@ namespace {
 constexpr qsizetype moduleNameSize = 30;
 constexpr qsizetype nameSize = 50;
 constexpr qsizetype textSize = 255;
+constexpr int menuBits = 4 | 8 | 16;
 constexpr int invalidDefinition = 514;
 
 const QString linkPrefix = u"ID "_s;
@@ -78,6 +80,7 @@ data::FieldRecord recordOf(const addin::ChpEdition& chp, const QString& provider
     flag(chp.ChampUnique, data::Unique);
     flag(chp.ChampMixteUnique, data::MixteUnique);
     flag(chp.Interface, data::Interface);
+    field.flags |= chp.MenuFlags & menuBits;
     return field;
 }
 
@@ -94,29 +97,13 @@ void checkField(const data::ModuleRecord& module, const data::FieldRecord& field
 
 } // namespace
 
-addin::ChpEditionPtr fieldOf(const data::FieldRecord& field, const QString& module)
-{
-    auto chp = std::make_shared<addin::ChpEdition>();
-    chp->ctype = field.type;
-    chp->champ = field.column;
-    chp->Caption = field.caption;
-    chp->TextHelp = field.help;
-    chp->NomModule = module;
-    chp->AllowNull = !field.required();
-    chp->ChampUnique = field.unique();
-    chp->ChampMixteUnique = field.partOfKey();
-    chp->Interface = field.flags & data::Interface;
-    chp->ValidationRule = field.rule;
-    chp->ValidationTexte = field.ruleText;
-    chp->Descripteurs = field.descriptors;
-    return chp;
-}
-
 addin::TabEditions fieldsOf(const data::ModuleRecord& module)
 {
     addin::TabEditions fields;
-    for (const data::FieldRecord& field : module.fields)
-        fields << fieldOf(field, module.name);
+    for (const data::FieldRecord& field : module.fields) {
+        fields << editing::fieldOf(field, module.name);
+        fields.last()->Descripteurs = field.descriptors;
+    }
     return fields;
 }
 

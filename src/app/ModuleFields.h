@@ -6,8 +6,7 @@
 
 namespace app {
 
-/// A dictionary field as an add-in gives it, not bound to a record.
-addin::ChpEditionPtr fieldOf(const data::FieldRecord& field, const QString& module);
+/// The fields of the dictionary as an add-in gives them, with their vocabularies, not bound to a record.
 addin::TabEditions fieldsOf(const data::ModuleRecord& module);
 
 /// The dictionary rows of a module served by `provider`. A link field is named "ID " and the linked module, which is
