@@ -30,14 +30,18 @@ QString plain(const QString& text)
 /// 1 to 12 for a French month name or its beginning of three letters or more ("sept.", "fév"); 0 for none.
 int monthOf(const QString& element)
 {
+    static const QStringList plainNames = [] {
+        QStringList names;
+        for (const QString& name : monthNames())
+            names << plain(name);
+        return names;
+    }();
     const QString word = plain(element);
     if (word.size() < 3)
         return 0;
-    for (int month = 1; month <= 12; ++month) {
-        if (plain(monthNames()[month - 1]).startsWith(word))
-            return month;
-    }
-    return 0;
+    const auto month = std::find_if(plainNames.begin(), plainNames.end(),
+                                    [&](const QString& name) { return name.startsWith(word); });
+    return month == plainNames.end() ? 0 : int(month - plainNames.begin()) + 1;
 }
 
 bool isNumber(const QString& element)
@@ -128,14 +132,25 @@ std::optional<Day> yearFirst(const QStringList& e)
     return day;
 }
 
-std::optional<Day> dayFirst(const QStringList& e)
+std::optional<Day> yearLast(const QStringList& e, qsizetype month, qsizetype dayOfMonth)
 {
     if (e.size() < 3)
         return {};
-    const Day day{yearOf(e[2]), monthNumber(e[1]), dayNumber(e[0])};
+    const Day day{yearOf(e[2]), monthNumber(e[month]), dayNumber(e[dayOfMonth])};
     if (day.year < 0 || day.month < 0 || day.day < 0)
         return {};
     return day;
+}
+
+std::optional<Day> dayFirst(const QStringList& e)
+{
+    return yearLast(e, 1, 0);
+}
+
+/// As one style shows it; read only where the second element can be no month.
+std::optional<Day> dayBehindMonth(const QStringList& e)
+{
+    return yearLast(e, 0, 1);
 }
 
 std::optional<Day> monthFirst(const QStringList& e)
@@ -186,12 +201,34 @@ std::optional<QString> timeText(const QStringList& elements)
     return parts.join(u':');
 }
 
-/// Where the " - 10:30" of a shown date begins; -1 when there is none.
-qsizetype shownTime(const QString& text)
+/// " - 10:30" behind a date.
+bool isShownTime(QStringView text)
 {
-    const qsizetype dash = text.lastIndexOf(u" - ");
-    const QStringView behind = QStringView(text).sliced(dash < 0 ? text.size() : dash);
-    return behind.contains(u':') && !behind.contains(u'/') && !behind.contains(u'\\') ? dash : -1;
+    return text.contains(u':') && !text.contains(u'/') && !text.contains(u'\\');
+}
+
+/// The date text of elements in one of the orders; empty when they are no date.
+QString readElements(const QStringList& elements)
+{
+    if (elements.isEmpty())
+        return {};
+    const QStringList date = elements.first(std::min<qsizetype>(3, elements.size()));
+    for (const auto reading : {yearFirst, dayFirst, dayBehindMonth, monthFirst}) {
+        const std::optional<Day> day = reading(date);
+        if (!day || (reading == &monthFirst && elements.size() > 2))
+            continue;
+        const std::optional<QString> clock = timeText(elements.mid(3));
+        if (!clock)
+            return {};
+        return clock->isEmpty() ? dateText(*day) : dateText(*day) + u' ' + *clock;
+    }
+    return {};
+}
+
+/// The same for a date with its time as they are shown. Without its day the time says nothing.
+QString readShown(const QStringList& date, const QStringList& time)
+{
+    return readElements(date.size() == 3 ? date + time : date);
 }
 
 /// The two digits at `at` as a number; -1 when they are none.
@@ -272,25 +309,12 @@ QString ParseDate(const QString& text)
     if (isDateText(text))
         return text;
     const QString composed = text.normalized(QString::NormalizationForm_C);
-    const qsizetype dash = shownTime(composed);
-    const QStringList elements = elementsOf(dash < 0 ? composed : composed.first(dash));
-    if (elements.isEmpty())
-        return {};
-    const QStringList date = elements.first(std::min<qsizetype>(3, elements.size()));
-    QStringList time = elements.mid(3);
-    // The time of a shown date without its day says nothing.
-    if (dash >= 0 && date.size() == 3)
-        time += elementsOf(composed.mid(dash));
-    for (const auto reading : {yearFirst, dayFirst, monthFirst}) {
-        const std::optional<Day> day = reading(date);
-        if (!day || (reading == &monthFirst && elements.size() > 2))
-            continue;
-        const std::optional<QString> clock = timeText(time);
-        if (!clock)
-            return {};
-        return clock->isEmpty() ? dateText(*day) : dateText(*day) + u' ' + *clock;
-    }
-    return {};
+    const qsizetype dash = composed.lastIndexOf(u" - ");
+    const auto shown = [&] { return readShown(elementsOf(composed.first(dash)), elementsOf(composed.mid(dash))); };
+    if (dash >= 0 && isShownTime(QStringView(composed).sliced(dash)))
+        return shown();
+    const QString date = readElements(elementsOf(composed));
+    return date.isEmpty() && dash >= 0 ? shown() : date;
 }
 
 QString FormatDate(const QString& text, int style)

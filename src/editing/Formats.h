@@ -34,8 +34,9 @@ QStringList SplitDigitRuns(const QString& text);
 // A date text reads yyyy/mm/dd hh:mm:ss; closing elements may be missing (2001, 2001/03).
 
 /// Free input to the date text; empty when it holds no date. The order year, month, day holds first; when it gives no
-/// date, day, month, year is tried, then month and year. French and abbreviated month names are read. A
-/// year of two digits is of this or the last century (00 to 49: 2000 on).
+/// date, day, month, year is tried, then month, day, year, then month and year. French and abbreviated month
+/// names are read. A year of two digits is of this or the last century (00 to 49: 2000 on). What FormatDate shows
+/// is read; the time of a date shown without its day is dropped.
 QString ParseDate(const QString& text);
 /// Styles for 6 March 2001: 0 "06 mars 2001", 1 "06/03/2001", 2 "mars 2001", 3 "03/01", 4 "2001", 5 "03/06/2001".
 /// Elements that are missing are left out. A time follows after " - ".

@@ -94,6 +94,7 @@ TEST(Dates, AreParsedFromWhatBotanistsType)
         {u"06/03/01"_s, u"2006/03/01"_s}, // year first where it can be
         {u"87/03/06"_s, u"1987/03/06"_s},
         {u"25/12/99"_s, u"1999/12/25"_s},
+        {u"04/26/2001"_s, u"2001/04/26"_s},
         {u""_s, u""_s},
         {u"printemps"_s, u""_s},
         {u"2001/13/45"_s, u""_s},
@@ -115,6 +116,7 @@ TEST(Dates, AreShownInSixStyles)
     const QStringList read{u"2001/03/06 10:30"_s, u"2001/03/06 10:30"_s, u"2001/03"_s, u"2003/01"_s, u"2001"_s, u"2001/06/03 10:30"_s};
     for (int style = 0; style < 6; ++style)
         EXPECT_EQ(ParseDate(FormatDate(u"2001/03/06 10:30"_s, style)), read[style]) << style;
+    EXPECT_EQ(ParseDate(u"mars 2001 - 10"_s), u"2001/03"_s);
     EXPECT_EQ(FormatDate(u"2001/03"_s, 0), u"mars 2001"_s);
     EXPECT_EQ(FormatDate(u"2001"_s, 1), u"2001"_s);
     EXPECT_EQ(FormatDate(u"2001/03/06 10:30"_s, 0), u"06 mars 2001 - 10:30"_s);

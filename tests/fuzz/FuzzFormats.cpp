@@ -7,6 +7,7 @@
 #include <QFile>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
@@ -16,10 +17,12 @@ namespace {
 
 constexpr int behindTypes = 19; ///< One more than the last type code and one code that is none.
 
-void require(bool holds)
+void require(bool holds, const char* what)
 {
-    if (!holds)
-        std::abort();
+    if (holds)
+        return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
 }
 
 class Numbers : public editing::ReferenceNames {
@@ -40,30 +43,30 @@ editing::EditingContext context()
 
 void coordinates(const QString& text)
 {
-    require(std::abs(editing::TextToLongitude(text)) < 182);
-    require(std::abs(editing::TextToLatitude(text)) < 92);
-    require(std::isfinite(editing::DmsToDegrees(text, 180)));
-    require(editing::SplitDigitRuns(text).join(QString()) == text);
+    require(std::abs(editing::TextToLongitude(text)) < 182, "a longitude lies on the globe");
+    require(std::abs(editing::TextToLatitude(text)) < 92, "a latitude lies on the globe");
+    require(std::isfinite(editing::DmsToDegrees(text, 180)), "degrees are finite");
+    require(editing::SplitDigitRuns(text).join(QString()) == text, "runs make up the text");
     const double number = text.toDouble();
     const QString longitude = editing::LongitudeToText(number);
     const QString latitude = editing::LatitudeToText(number);
-    require(longitude.isEmpty() || std::abs(editing::TextToLongitude(longitude)) <= 180);
-    require(latitude.isEmpty() || std::abs(editing::TextToLatitude(latitude)) <= 90);
+    require(longitude.isEmpty() || std::abs(editing::TextToLongitude(longitude)) <= 180, "a longitude shown is read");
+    require(latitude.isEmpty() || std::abs(editing::TextToLatitude(latitude)) <= 90, "a latitude shown is read");
 }
 
 void dates(const QString& text)
 {
     const QString date = editing::ParseDate(text);
-    require(editing::ParseDate(date) == date);
+    require(editing::ParseDate(date) == date, "a date read is a date");
     for (int style = -1; style < 7; ++style) {
         editing::FormatDate(text, style);
         const QString shown = editing::FormatDate(date, style);
-        require(shown.isEmpty() == date.isEmpty());
-        require(shown.isEmpty() || !editing::ParseDate(shown).isEmpty());
+        require(shown.isEmpty() == date.isEmpty(), "a date is shown");
+        require(shown.isEmpty() || !editing::ParseDate(shown).isEmpty(), "a date shown is read");
     }
     const QString lower = editing::DateBound(text, false);
-    require(lower.isEmpty() == date.isEmpty());
-    require(lower.isEmpty() || lower <= editing::DateBound(text, true));
+    require(lower.isEmpty() == date.isEmpty(), "a date has bounds");
+    require(lower.isEmpty() || lower <= editing::DateBound(text, true), "the bounds are in order");
 }
 
 /// What a field shows and answers, whatever its value.
@@ -92,7 +95,7 @@ void values(const QString& text)
         field.setValue(text);
         const QVariant once = field.value();
         field.setValue(once);
-        require(field.value() == once);
+        require(field.value() == once, "a value normalised is normal");
         show(field);
         field.SearchListeItem(text);
         field.SearchListeCheck(text);
