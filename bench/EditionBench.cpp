@@ -27,6 +27,7 @@ struct Cell {
     int type;
     QVariant value;
     int format = 0;
+    int item = 1;
 };
 
 /// What records hold, and what is typed.
@@ -49,6 +50,7 @@ const std::vector<Cell>& cells()
         {"memo", 9, u"Sous-bois frais, pente nord, sol profond"_s},
         {"liste_multiple", 11, u"P;NCY;G"_s},
         {"liste_simple", 12, u"cf."_s},
+        {"liste_non_liee", 12, u"cf."_s, 0, 0},
         {"botaniste", 13, 12},
         {"taxon", 15, 4711},
         {"famille", 15, 4711, 2},
@@ -68,7 +70,7 @@ public:
             fields.back()->setCtype(cell.type);
             fields.back()->setFormat(cell.format);
             fields.back()->setListeItems({u"aff."_s, u"cf."_s});
-            fields.back()->ChpEdition()->IDItem = 1;
+            fields.back()->ChpEdition()->IDItem = cell.item;
             fields.back()->setIDIndividu(1);
         }
     }

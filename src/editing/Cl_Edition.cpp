@@ -224,13 +224,15 @@ void Cl_Edition::setListeItems(const QStringList& items)
 
 QString Cl_Edition::SearchListeItem(const QString& pattern) const
 {
+    const QStringList items = ListeItems();
+    if (items.contains(pattern)) // as the cells of a grid hold it
+        return pattern;
     // Of the wildcards of LIKE, only "*" is one here.
     QString literal;
     for (const QChar c : pattern)
         literal += QStringView(u"?#[").contains(c) ? u'[' + QString(c) + u']' : QString(c);
     const jet::text::LikePattern like(literal);
     return trapped("pattern", QString(), [&] {
-        const QStringList items = ListeItems();
         const auto item = std::find_if(items.begin(), items.end(), [&](const QString& i) { return like.matches(i); });
         return item == items.end() ? QString() : *item;
     });

@@ -41,14 +41,21 @@ ProjectRecords::ProjectRecords(jet::Database& database, const data::Dictionary& 
 {
 }
 
-QVariantMap ProjectRecords::record(const QString& module, qint32 id)
+/// False while an operation is open: what it wrote may yet be taken back. Forgets what was kept before a change.
+bool ProjectRecords::mayKeep()
 {
-    // What an open operation wrote may yet be taken back.
     if (m_database.inOperation())
-        return read(module, id);
+        return false;
     const qint64 changes = m_database.store().totalChanges();
     if (std::exchange(m_changes, changes) != changes)
-        m_kept.clear();
+        forget();
+    return true;
+}
+
+QVariantMap ProjectRecords::record(const QString& module, qint32 id)
+{
+    if (!mayKeep())
+        return read(module, id);
     Kept& kept = m_kept[module];
     if (kept.id != id || kept.values.isEmpty())
         kept = {id, read(module, id)};
@@ -81,6 +88,17 @@ QVariantMap ProjectRecords::read(const QString& module, qint32 id)
 }
 
 QStringList ProjectRecords::descriptors(const QString& module, const QString& column)
+{
+    if (!mayKeep())
+        return readList(module, column);
+    const QPair key(module, column);
+    auto list = m_lists.constFind(key);
+    if (list == m_lists.cend())
+        list = m_lists.insert(key, readList(module, column));
+    return *list;
+}
+
+QStringList ProjectRecords::readList(const QString& module, const QString& column) const
 {
     QStringList items;
     const QString list = m_store.value(data::kindDescripteur, module, column).toString();
@@ -116,6 +134,7 @@ QString ProjectRecords::label(const QString& module) const
 void ProjectRecords::forget()
 {
     m_kept.clear();
+    m_lists.clear();
 }
 
 QString IdentifierNames::botaniste(qint32 id) const { return QString::number(id); }

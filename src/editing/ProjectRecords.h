@@ -14,8 +14,8 @@ namespace editing {
 addin::ChpEditionPtr fieldOf(const data::FieldRecord& field, const QString& module);
 
 /// Reads from the project's file. The record that a form shows is read once for all its fields: the last one of
-/// each module is kept, until anything is written to the file, whoever writes it. What it is made of must outlive it.
-/// Failures are jet::Error.
+/// each module is kept, as are descriptor lists, until anything is written to the file, whoever writes it. What it
+/// is made of must outlive it. Failures are jet::Error.
 class ProjectRecords : public RecordSource {
 public:
     ProjectRecords(jet::Database& database, const data::Dictionary& dictionary, data::PropertyStore& store);
@@ -37,13 +37,16 @@ private:
         QVariantMap values;
     };
 
+    bool mayKeep();
     QVariantMap read(const QString& module, qint32 id);
+    QStringList readList(const QString& module, const QString& column) const;
 
     jet::Database& m_database;
     const data::Dictionary& m_dictionary;
     data::PropertyStore& m_store;
-    QHash<QString, Kept> m_kept; ///< By module.
-    qint64 m_changes = -1;       ///< Of the file, when the records were kept.
+    QHash<QString, Kept> m_kept;                          ///< By module.
+    QHash<QPair<QString, QString>, QStringList> m_lists;  ///< By module and column.
+    qint64 m_changes = -1; ///< Of the file, when the records were kept.
     qint64 m_reads = 0;
 };
 

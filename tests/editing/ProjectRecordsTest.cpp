@@ -96,6 +96,9 @@ TEST_F(ProjectRecordsTest, DescriptorsAreThoseOfTheStore)
     EXPECT_EQ(doubt->value(), u"?"_s);
     doubt->setListeItems({u"cf."_s, u"sp."_s});
     EXPECT_EQ(project.session.properties().value(u"Descripteur"_s, u"Déterminations"_s, u"Réserve"_s), u"cf.;sp."_s);
+    EXPECT_EQ(records->descriptors(u"Déterminations"_s, u"Réserve"_s), (QStringList{u"cf."_s, u"sp."_s}));
+    project.session.properties().put(u"Descripteur"_s, u"Déterminations"_s, u"Réserve"_s, u" ; a ;;b"_s);
+    EXPECT_EQ(records->descriptors(u"Déterminations"_s, u"Réserve"_s), (QStringList{u"a"_s, u"b"_s}));
 }
 
 TEST_F(ProjectRecordsTest, ALinkLeadsToTheRecordWithItsLock)
