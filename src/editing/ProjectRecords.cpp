@@ -91,7 +91,7 @@ QStringList ProjectRecords::descriptors(const QString& module, const QString& co
 {
     if (!mayKeep())
         return readList(module, column);
-    const QPair key(module, column);
+    const std::pair key(module, column);
     auto list = m_lists.constFind(key);
     if (list == m_lists.cend())
         list = m_lists.insert(key, readList(module, column));
