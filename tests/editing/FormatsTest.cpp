@@ -29,6 +29,14 @@ TEST(Coordinates, AreWrittenInNormalForm)
         EXPECT_EQ(LatitudeToText(value), text) << value;
 }
 
+TEST(Coordinates, BeyondAnyGlobeHaveNoText)
+{
+    for (const double value : {1e10, -1e300, std::nan(""), HUGE_VAL}) {
+        EXPECT_EQ(LongitudeToText(value), QString()) << value;
+        EXPECT_EQ(LatitudeToText(value), QString()) << value;
+    }
+}
+
 TEST(Coordinates, FreeInputIsNormalised)
 {
     const QList<QPair<QString, QString>> longitudes{
@@ -39,6 +47,8 @@ TEST(Coordinates, FreeInputIsNormalised)
     };
     for (const auto& [input, text] : longitudes)
         EXPECT_EQ(NormalizeLongitude(input), text) << input.toStdString();
+    // Rounding carries on like whole sixties.
+    EXPECT_EQ(NormalizeLongitude(u"E12°59'59.999999999"_s), u"E013°00'00.00"_s);
     EXPECT_EQ(NormalizeLatitude(u"-5°70'"_s), u"S06°10'00.00"_s);
     EXPECT_EQ(NormalizeLatitude(u"s 5"_s), u"S05°00'00.00"_s);
     EXPECT_EQ(NormalizeLatitude(u"5°1'2.123456789"_s), u"N05°01'02.12345679"_s);
