@@ -83,7 +83,8 @@ RecordRules::RecordRules(jet::Database& database, const Dictionary& dictionary,
 const ModuleRecord* RecordRules::savable(const QString& module) const
 {
     const ModuleRecord* record = m_dictionary.module(module);
-    return record && m_database.schema().table(module) ? record : nullptr;
+    const bool served = !isConnected || isConnected(module);
+    return record && served && m_database.schema().table(module) ? record : nullptr;
 }
 
 void RecordRules::setModuleLocked(const QString& module, bool locked)
@@ -109,8 +110,7 @@ bool RecordRules::isLocked(const QString& module, qint32 id) const
 
 void RecordRules::check(const QString& module, const RecordValues& record) const
 {
-    const ModuleRecord* definition = savable(module);
-    if (definition) {
+    if (const ModuleRecord* definition = m_dictionary.module(module)) {
         for (const FieldRecord& field : definition->fields) {
             const auto value =
                 std::find_if(record.values.begin(), record.values.end(),
@@ -119,9 +119,9 @@ void RecordRules::check(const QString& module, const RecordValues& record) const
             if (field.required() && (given ? !value->second.isValid() : record.id <= 0))
                 throw RecordRefused(u"Valeur Nulle non autorisée pour ce champ"_s);
         }
-    } else {
-        throw RecordRefused(u"Erreur Système: ce n'est pas un module sauvegardable"_s);
     }
+    if (!savable(module))
+        throw RecordRefused(u"Erreur Système: ce n'est pas un module sauvegardable"_s);
     if (isModuleLocked(module))
         throw RecordRefused(u"Erreur d'accès: le Module est actuellement verrouillé"_s);
     if (isLocked(module, record.id))

@@ -7,6 +7,7 @@
 #include "platform/Dialogues.h"
 
 #include <exception>
+#include <functional>
 
 namespace data {
 
@@ -53,6 +54,8 @@ public:
     /// Shows the report; gives it, empty when the user said no or it failed.
     QString deleteRecords(const QString& module, const QList<qint32>& selected);
 
+    /// Which modules are served; without it all of the dictionary are. Records of the others cannot be saved.
+    std::function<bool(const QString& module)> isConnected;
     QString caption = QStringLiteral("Herbora"); ///< Of the program, in titles.
 
 private:

@@ -68,6 +68,10 @@ TEST_F(RecordRulesTest, RefusesWithTheFirstMessageThatApplies)
     const data::RecordValues nothing{.individu = 1, .values = {{u"Fichier"_s, QVariant()}}, .valid = false};
     EXPECT_EQ(refusal(u"Images"_s, nothing), u"Valeur Nulle non autorisée pour ce champ"_s);
     EXPECT_EQ(refusal(u"Collecteurs"_s, {}), u"Erreur Système: ce n'est pas un module sauvegardable"_s);
+    rules->isConnected = [](const QString& module) { return module != u"Images"; };
+    EXPECT_EQ(refusal(u"Images"_s, {.id = 1, .individu = 1}), u"Erreur Système: ce n'est pas un module sauvegardable"_s);
+    EXPECT_EQ(refusal(u"Images"_s, nothing), u"Valeur Nulle non autorisée pour ce champ"_s);
+    rules->isConnected = {};
     const data::RecordValues good{.id = 1, .individu = 1, .values = {{u"Légende"_s, u"x"_s}}};
     rules->setModuleLocked(u"Images"_s, true);
     EXPECT_EQ(refusal(u"Images"_s, good), u"Erreur d'accès: le Module est actuellement verrouillé"_s);
