@@ -1,0 +1,156 @@
+// Named sets of values for new records.
+//
+// The text of a model is one line for each value: the key of the record ("0-" and the module, for whichever record it
+// is applied to), the field ("Mesures.Hauteur") and the value, joined by ";". The value may hold ";" itself; its line ends
+// are written as U+2028.
+#include "editing/IndividualEditingPrivate.h"
+
+#include "data/FieldType.h"
+#include "jet/SqlText.h"
+
+namespace editing {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString lineEnd = u"\r\n"_s;
+constexpr QChar lineInside(0x2028);
+const QString titleModels = u"Modèle"_s;
+
+QString inOneLine(const QVariant& value)
+{
+    return value.toString().replace(lineEnd, u"\n"_s).replace(u'\n', lineInside);
+}
+
+/// The column that an item names, with or without its module.
+QString columnOf(const QString& item, const QString& module)
+{
+    const QString prefix = module + u'.';
+    return item.startsWith(prefix, Qt::CaseInsensitive) ? item.mid(prefix.size()) : item;
+}
+
+} // namespace
+
+QList<data::PropertyObject> IndividualEditing::models() const
+{
+    if (!m_current)
+        return {};
+    return guarded(titleModels, QList<data::PropertyObject>(), [&] {
+        return m_tools.store.list(data::kindModèle, m_current->module);
+    });
+}
+
+QString IndividualEditing::modelText(const EditedRecord& record) const
+{
+    QStringList lines;
+    const QVariantMap values = copied(record);
+    for (const auto& field : *record.form) {
+        if (values.contains(field->champ()) && !isReadOnly(record, *field))
+            lines << data::parentKey(0, record.module) + u';' + record.module + u'.' + field->champ() + u';'
+                         + inOneLine(field->value());
+    }
+    return lines.join(lineEnd);
+}
+
+int IndividualEditing::saveModel()
+{
+    if (!m_current)
+        return 0;
+    form(*m_current);
+    data::PropertyDraft draft{0, data::kindModèle, m_current->module, {}, modelText(*m_current)};
+    for (const data::PropertyObject& model : models()) {
+        if (model.id == m_model) {
+            draft.id = model.id;
+            draft.name = model.name;
+        }
+    }
+    const int saved = m_tools.store.save(draft, m_tools.dialogues);
+    if (saved > 0)
+        m_model = saved;
+    return saved;
+}
+
+bool IndividualEditing::loadModel()
+{
+    const QList<data::PropertyObject> all = models();
+    if (all.isEmpty()) {
+        if (m_current)
+            m_tools.dialogues.tell(u"Aucun modèle n'est enregistré pour le Module "_s
+                                       + m_tools.context.records->label(m_current->module),
+                                   titleModels, platform::BoxIcon::Information);
+        return false;
+    }
+    platform::Choice choice;
+    choice.title = titleModels;
+    choice.prompt = u"Sélectionnez le modèle que vous voulez utiliser"_s;
+    choice.column = u"Nom du Modèle"_s;
+    for (const data::PropertyObject& model : all)
+        choice.items << model.name;
+    const auto chosen = m_tools.dialogues.choose(choice);
+    return chosen && !chosen->isEmpty() && applyModel(all.at(chosen->first()).id);
+}
+
+bool IndividualEditing::applyModel(int id)
+{
+    if (!m_current || m_current->locked)
+        return false;
+    for (const data::PropertyObject& model : models()) {
+        if (model.id != id)
+            continue;
+        const QString text = guarded(titleModels, QString(), [&] {
+            return m_tools.store.value(model.kind, model.module, model.name).toString();
+        });
+        for (const QString& line : text.split(lineEnd, Qt::SkipEmptyParts)) {
+            const QString key = line.section(u';', 0, 0);
+            Cl_Edition* field =
+                form(*m_current).Item(form(*m_current).Index(columnOf(line.section(u';', 1, 1), m_current->module)));
+            if (!key.endsWith(u'-' + m_current->module) || !field || isReadOnly(*m_current, *field))
+                continue;
+            m_input.take(*field, line.section(u';', 2).replace(lineInside, u'\n'));
+        }
+        m_model = id;
+        m_current->summary.clear();
+        if (recordChanged)
+            recordChanged(*m_current);
+        return true;
+    }
+    return false;
+}
+
+bool IndividualEditing::CLGabarit_Edit(int id)
+{
+    const QString title = u"Renommer un modèle"_s;
+    const QList<data::PropertyObject> all = models();
+    const auto model = std::find_if(all.begin(), all.end(), [&](const auto& m) { return m.id == id; });
+    if (model == all.end())
+        return false;
+    QString prompt = u"Indiquer le nouveau nom du modèle"_s;
+    QString name = model->name;
+    for (;;) {
+        name = m_tools.dialogues.input(title, prompt, name).value_or(QString()).trimmed();
+        if (name.isEmpty() || name == model->name)
+            return false;
+        const bool taken = std::any_of(all.begin(), all.end(), [&](const auto& m) {
+            return m.id != id && m.name.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        if (!taken)
+            break;
+        prompt = u"Nom déja existant ! Indiquez un nom unique pour la propriété du Module "_s + model->module;
+    }
+    return guarded(title, false, [&] {
+        m_tools.database.Execute(u"UPDATE [Propriétés] SET [Nom]="_s + jet::texte(name) + u",[DateModify]="_s
+                                 + jet::texte(platform::stamp(m_tools.clock)) + u" WHERE [ID Prop]="_s
+                                 + QString::number(id));
+        if (written)
+            written({u"Propriétés"_s});
+        return true;
+    });
+}
+
+bool IndividualEditing::CLGabarit_Delete(int id)
+{
+    return m_tools.store.remove(id, m_tools.dialogues);
+}
+
+} // namespace editing
