@@ -3,6 +3,7 @@
 #include "app/Session.h"
 #include "app/ui/AboutDialog.h"
 #include "app/ui/Icons.h"
+#include "app/ui/TreeObjects.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -138,11 +139,13 @@ void MainWindow::showProject()
         m_documents->closeAll();
     m_shownPath = path;
     if (path.isEmpty()) {
+        m_objects.reset();
         m_dock->clear();
         m_start->showWelcome();
         setWindowTitle(u"Herbora"_s);
     } else {
         m_dock->load(m_session);
+        m_objects = std::make_unique<TreeObjects>(m_session, [this] { m_dock->reload(m_session); });
         m_start->showProject(m_dock->model(), path);
         setWindowTitle(m_session.projectName() + u" - "_s + u"Herbora"_s);
         m_documents->reloadStale();

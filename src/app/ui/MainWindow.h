@@ -8,9 +8,11 @@
 #include "platform/ui/ProgressionBar.h"
 
 #include <QMainWindow>
+#include <memory>
 
 namespace app {
 
+class TreeObjects;
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -52,6 +54,7 @@ private:
     Documents* m_documents;
     platform::ProgressionBar* m_progression;
     QLabel* m_count;
+    std::unique_ptr<TreeObjects> m_objects; ///< Of the project that is open.
     QString m_shownPath; ///< The project whose tabs are open.
     bool m_closeWhenIdle = false;
 };

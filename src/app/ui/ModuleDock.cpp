@@ -51,6 +51,30 @@ void ModuleDock::load(const Session& session)
     m_view->setCurrentIndex(m_model->index(0, 0));
 }
 
+QStringList ModuleDock::expandedKeys(const QModelIndex& parent) const
+{
+    QStringList keys;
+    for (int row = 0; row < m_model->rowCount(parent); ++row) {
+        const QModelIndex index = m_model->index(row, 0, parent);
+        if (m_view->isExpanded(index))
+            keys << m_model->node(index)->key;
+        keys += expandedKeys(index);
+    }
+    return keys;
+}
+
+void ModuleDock::reload(const Session& session)
+{
+    const QStringList open = expandedKeys({});
+    const TreeNode* chosen = m_view->currentIndex().isValid() ? m_model->node(m_view->currentIndex()) : nullptr;
+    const QString current = chosen ? chosen->key : QString();
+    m_model->load(session);
+    for (const QString& key : open)
+        m_view->expand(m_model->indexOf(key));
+    const QModelIndex index = m_model->indexOf(current);
+    m_view->setCurrentIndex(index.isValid() ? index : m_model->index(0, 0));
+}
+
 void ModuleDock::clear()
 {
     m_model->clear();

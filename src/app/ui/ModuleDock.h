@@ -21,11 +21,14 @@ public:
 
     /// Shows the project: root and groups expanded, the root selected.
     void load(const Session& session);
+    /// Shows it anew with what is open and selected staying so.
+    void reload(const Session& session);
     void clear();
     void expandAll() { m_view->expandAll(); }
     void collapseAll(); ///< The root stays open.
 
 private:
+    QStringList expandedKeys(const QModelIndex& parent) const;
     void showMenu(const QPoint& position);
     void activate(const QModelIndex& index);
     void chooseCurrent();

@@ -101,6 +101,25 @@ TEST_F(Window, SaysWhatIsNoProjectAndStaysUsable)
     openProject();
 }
 
+TEST_F(Window, ShowsStoredObjectsAsTheyComeAndGo)
+{
+    makeProject();
+    openProject();
+    app::ModuleDock& dock = window().dock();
+    dock.view().setCurrentIndex(dock.model().indexOf(u"Images"));
+    dock.view().collapse(dock.model().indexOf(u"Sélections"));
+    data::PropertyStore& store = program->session().properties();
+    const int id = store.put(u"Requête"_s, u"Images"_s, u"Fleurs"_s, u"x"_s);
+    const QString key = QString::number(id) + u"-query"_s;
+    ASSERT_TRUE(dock.model().indexOf(key).isValid());
+    EXPECT_EQ(dock.model().indexOf(key).parent(), dock.model().indexOf(u"Images"));
+    EXPECT_EQ(dock.view().currentIndex(), dock.model().indexOf(u"Images"));
+    EXPECT_FALSE(dock.view().isExpanded(dock.model().indexOf(u"Sélections")));
+    dialogues.expectConfirm(u" Supprimer la propriété Fleurs ?"_s, u"Gestion des propriétés"_s, true);
+    EXPECT_TRUE(store.remove(id, dialogues));
+    EXPECT_FALSE(dock.model().indexOf(key).isValid());
+}
+
 TEST_F(Window, CreatesAProject)
 {
     dialogues.expectSaveFile(u"Nouveau projet"_s, filter, path(u"neuf"_s));
