@@ -19,6 +19,8 @@ namespace {
 
 bool isNumberType(int type) { return type == data::Réel || type == data::Entier; }
 bool isCoordinate(int type) { return type == data::Longitude || type == data::Latitude; }
+bool isList(int type) { return type == data::ListeSimple || type == data::ListeMultiple; }
+bool isReference(int type) { return type == data::Botaniste || type == data::Localité || type == data::Taxon; }
 bool isTextValue(const QVariant& value) { return value.typeId() == QMetaType::QString; }
 
 bool isPlainNumber(const QString& text)
@@ -44,6 +46,32 @@ QString unreadable(int type, const QString& text)
     if (isCoordinate(type) && !std::any_of(text.begin(), text.end(), isDigit))
         return type == data::Longitude ? u"Ce n'est pas une longitude. Exemples : W012°30'00, -12,5"_s
                                        : u"Ce n'est pas une latitude. Exemples : N05°07'30, 5,125"_s;
+    bool number = false;
+    text.toInt(&number);
+    if (isReference(type) && !number)
+        return u"Ce nom n'est pas dans la liste : choisissez-le parmi ceux qui sont proposés"_s;
+    return {};
+}
+
+/// The item of the vocabulary that a text is, however it is written.
+QString asListed(const QStringList& vocabulary, const QString& text)
+{
+    const auto item = std::find_if(vocabulary.begin(), vocabulary.end(), [&](const QString& other) {
+        return other.compare(text, Qt::CaseInsensitive) == 0;
+    });
+    return item == vocabulary.end() ? text : *item;
+}
+
+/// The first chosen item that the vocabulary does not hold. Without a vocabulary anything goes.
+QString notListed(const Cl_Edition& field)
+{
+    const QStringList vocabulary = field.ListeItems();
+    if (vocabulary.isEmpty())
+        return {};
+    for (const QString& item : field.SelectedItems()) {
+        if (!vocabulary.contains(item, Qt::CaseInsensitive))
+            return item;
+    }
     return {};
 }
 
@@ -68,8 +96,8 @@ bool FieldInput::isRaw(const Cl_Edition& field)
 {
     const int type = field.ctype();
     const QVariant value = field.value();
-    return isTextValue(value) && (isNumberType(type) || isCoordinate(type) || type == data::Date)
-           && !unreadable(type, value.toString()).isEmpty();
+    const bool understood = isNumberType(type) || isCoordinate(type) || isReference(type) || type == data::Date;
+    return isTextValue(value) && understood && !unreadable(type, value.toString()).isEmpty();
 }
 
 void FieldInput::take(Cl_Edition& field, const QVariant& typed) const
@@ -86,6 +114,8 @@ void FieldInput::take(Cl_Edition& field, const QVariant& typed) const
             field.ChpEdition()->Changed = true;
             return judge(field);
         }
+        if (field.ctype() == data::ListeSimple && value.isValid())
+            value = asListed(field.ListeItems(), value.toString());
     }
     field.setValue(value);
     judge(field);
@@ -111,6 +141,8 @@ QString FieldInput::problem(const Cl_Edition& field) const
         if (!why.isEmpty())
             return why;
     }
+    if (const QString item = isList(type) ? notListed(field) : QString(); !item.isEmpty())
+        return u"« %1 » n'est pas dans la liste"_s.arg(item);
     return columnProblem(field);
 }
 

@@ -123,6 +123,16 @@ bool IndividualEditing::leave()
     return outcome != SaveOutcome::Cancelled && outcome != SaveOutcome::Refused;
 }
 
+bool IndividualEditing::close()
+{
+    if (!leave())
+        return false;
+    clear();
+    m_list.clear();
+    m_position = -1;
+    return true;
+}
+
 /// Shows a record of the list; unsaved changes were dealt with where its individual is another one.
 bool IndividualEditing::show(int position)
 {
@@ -187,7 +197,7 @@ bool IndividualEditing::chooseRecord()
         for (const ListKey& key : std::as_const(m_list)) {
             QString text = m_tools.context.records->label(key.module) + u" N° "_s + QString::number(key.id);
             if (m_list.size() <= longestDescribedList) {
-                const QString says = described(key.module, key.id);
+                const QString says = describe(key.module, key.id);
                 text += says.isEmpty() ? QString() : u" : "_s + says;
             }
             choice.items << text;
@@ -566,6 +576,45 @@ bool IndividualEditing::addFiles(EditedRecord& first, const QString& column, con
     buildTree();
     makeCurrent(&first);
     return true;
+}
+
+bool IndividualEditing::wizard(WizardFields which, FormDialogue& dialogue)
+{
+    if (!m_current || m_current->locked)
+        return false;
+    // Copies, so that nothing is written when the user gives up.
+    addin::TabEditions fields;
+    for (const auto& field : form(*m_current)) {
+        const bool wanted = which == WizardFields::All || (which == WizardFields::Empty && !field->value().isValid())
+                            || (which == WizardFields::Invalid && !field->TextError().isEmpty());
+        if (wanted && !isReadOnly(*m_current, *field))
+            fields << std::make_shared<addin::ChpEdition>(*field->ChpEdition());
+    }
+    if (fields.isEmpty()) {
+        m_tools.dialogues.tell(u"Aucun champ à compléter"_s, name(*m_current));
+        return false;
+    }
+    Cl_Editions copies(m_tools.context);
+    copies.setTabedition(m_current->module, fields);
+    const QString key = m_current->key;
+    if (!dialogue.edit(name(*m_current), copies, [](Cl_Editions&) { return true; }) || !m_current || m_current->key != key)
+        return false;
+    for (const auto& copy : copies) {
+        Cl_Edition* field = form(*m_current).Item(copy->champ());
+        if (field && (field->value() != copy->value() || field->value().isValid() != copy->value().isValid()))
+            m_input.take(*field, copy->value());
+    }
+    m_current->summary.clear();
+    if (recordChanged)
+        recordChanged(*m_current);
+    return true;
+}
+
+void IndividualEditing::Wizard_ChampActif(const QString& column)
+{
+    Cl_Edition* field = m_current ? form(*m_current).Item(column) : nullptr;
+    if (field && fieldActivated)
+        fieldActivated(*field);
 }
 
 // --- From outside --------------------------------------------------------------------------------

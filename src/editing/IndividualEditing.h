@@ -5,6 +5,7 @@
 #include "data/RecordRules.h"
 #include "editing/Cl_Editions.h"
 #include "editing/FieldInput.h"
+#include "editing/FormDialogue.h"
 
 #include <QHash>
 #include <QJsonObject>
@@ -72,6 +73,9 @@ enum class SaveOutcome {
 /// What a refresh reloads.
 enum class RefreshScope { Field, Record, All };
 
+/// The fields that the input wizard walks.
+enum class WizardFields { Invalid, Empty, All };
+
 /// Shows one individual at a time, out of a list of records. Failures are told to the user and leave everything as
 /// typed; no member throws. The tools must outlive it.
 class IndividualEditing {
@@ -80,6 +84,8 @@ public:
     ~IndividualEditing();
 
     // --- What is shown -----------------------------------------------------------------------
+    /// Asks about unsaved changes and shows nothing more; false when the user stays.
+    bool close();
     /// The path of a list of records. Each level is its number, "-", its module and the identifiers, joined by ";":
     /// "1-Individus;12;13" are two individuals, "1-Individus\2-Mesures;4;9" two records of another module,
     /// "1-Individus;12\2-Mesures;N" a new record under individual 12, "1-Individus;N" a new individual.
@@ -98,6 +104,11 @@ public:
     bool select(const QString& key);
     /// The record itself and those directly under it, in the order of the tree.
     QList<EditedRecord*> branch(const EditedRecord& record) const;
+
+    QStringList modules() const; ///< In which records of the individual may be, in their order.
+    QString moduleLabel(const QString& module) const { return m_tools.context.records->label(module); }
+    /// The saved records in the order of the tree.
+    QList<EditedRecord*> saved() const { return savedInOrder(); }
 
     // --- Texts -------------------------------------------------------------------------------
     QString name(const EditedRecord& record) const; ///< "< Mesure - N° 4 >", "< Mesure - Ajout >"
@@ -140,6 +151,12 @@ public:
     /// for each of the others, where the user wants that.
     bool addFiles(EditedRecord& record, const QString& column, const QStringList& files);
 
+    /// Opens the input wizard on fields of the current record; true when it was confirmed with other values.
+    bool wizard(WizardFields which, FormDialogue& dialogue);
+    void Wizard_ChampActif(const QString& column); ///< Makes a field of the current record the active one.
+    const QString& caption() const { return m_tools.rules.caption; } ///< Of the program, in titles.
+    QString describe(const QString& module, qint32 id) const; ///< What a record holds, in a few words.
+
     // --- Lists -------------------------------------------------------------------------------
     /// The next or previous record of the list given; false at its ends, or when the user stayed.
     bool go(int step);
@@ -174,6 +191,7 @@ public:
     std::function<void(EditedRecord&)> recordChanged; ///< Values, errors or the lock of a record.
     std::function<void(const QStringList& modules)> written; ///< Tables in the file were written.
     std::function<void(Cl_Edition&)> fieldRefused;     ///< The first invalid field of a save.
+    std::function<void(Cl_Edition&)> fieldActivated;   ///< By Wizard_ChampActif.
 
 private:
     struct ListKey {
@@ -201,7 +219,6 @@ private:
     QString effectiveParent(const EditedRecord& record) const;
     QString summary(const EditedRecord& record) const;
     QString inWords(const Cl_Editions& form) const;
-    QString described(const QString& module, qint32 id) const;
     bool isUnder(const QString& key, const QString& ancestor) const;
     QList<EditedRecord*> inTreeOrder() const;
     QList<EditedRecord*> savedInOrder() const;

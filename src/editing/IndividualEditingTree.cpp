@@ -56,6 +56,13 @@ QStringList IndividualEditing::moduleOrder() const
     return names;
 }
 
+QStringList IndividualEditing::modules() const
+{
+    QStringList names = moduleOrder();
+    names.removeIf([this](const QString& name) { return name == individus || !m_tools.database.schema().table(name); });
+    return names;
+}
+
 // --- Reading -------------------------------------------------------------------------------------
 
 void IndividualEditing::readModule(const data::ModuleRecord& module, qint32 individu, Records& found) const
@@ -337,22 +344,24 @@ QString IndividualEditing::inWords(const Cl_Editions& form) const
     return words.join(u", "_s);
 }
 
-QString IndividualEditing::described(const QString& module, qint32 id) const
+QString IndividualEditing::describe(const QString& module, qint32 id) const
 {
     std::shared_ptr<Cl_Editions>& form = m_scratch[module];
     if (!form) {
         form = std::make_shared<Cl_Editions>(m_tools.context);
         form->setTabedition(module, m_tools.context.records->fields(module).mid(0, lookedAtFields));
     }
-    form->bind(CurrentIndividu(), id);
-    return inWords(*form);
+    return trapped("summary", QString(), [&] {
+        form->bind(CurrentIndividu(), id);
+        return inWords(*form);
+    });
 }
 
 QString IndividualEditing::summary(const EditedRecord& record) const
 {
     if (record.summary.isEmpty())
         record.summary = trapped("summary", QString(), [&] {
-            return record.form ? inWords(*record.form) : described(record.module, record.id);
+            return record.form ? inWords(*record.form) : describe(record.module, record.id);
         });
     return record.summary;
 }
