@@ -60,6 +60,7 @@ void RecordEditorWindow::arrange()
     m_stack->addWidget(m_pane);
     m_stack->addWidget(m_help);
     m_tabs->setObjectName(u"onglets"_s);
+    m_tabs->setAccessibleName(u"Enregistrement"_s);
     m_tabs->setDocumentMode(true);
     m_tabs->tabBar()->setObjectName(u"barreOnglets"_s);
     m_tabs->tabBar()->setAccessibleName(u"Champs, image ou objet"_s);
@@ -135,6 +136,11 @@ void RecordEditorWindow::connectTree()
                 m_editing.changeParent(*record, target);
         },
         Qt::QueuedConnection);
+    connect(m_pane, &FormPane::edited, this, [this](Cl_Edition* field) {
+        if (const EditedRecord* record = field ? recordOf(*field) : nullptr)
+            m_model->changed(record->key);
+        updateState();
+    });
     connect(m_pane, &FormPane::entered, this, [this](Cl_Edition* field) {
         statusBar()->showMessage(field ? field->TextHelp() : QString());
         updateState();

@@ -1,8 +1,8 @@
 // The window on a real project, by the keyboard alone.
 #include "EditorFixture.h"
 
-#include <QMimeData>
 #include <QFileInfo>
+#include <QMimeData>
 
 namespace {
 
@@ -121,6 +121,38 @@ TEST_F(RecordEditorTest, EveryTypeIsFilledAndSaved)
     EXPECT_FALSE(window->isWindowModified());
 }
 
+TEST_F(RecordEditorTest, ErrorsLocksAndModesAreSeen)
+{
+    show(u"1-Individus;1;2"_s);
+    picture(*window, u"individu"_s);
+    ASSERT_TRUE(edit->select(u"1-Essais"_s));
+    ASSERT_EQ(focused(), u"editeur-Titre"_s);
+    static_cast<QLineEdit*>(window->focusWidget())->clear();
+    type(u"x"_s);
+    key(Qt::Key_Backspace);
+    auto* error = window->findChild<QLabel*>(u"erreur-Titre"_s);
+    EXPECT_EQ(error->text(), u"Titre : < Erreur: Valeur nulle non autorisée pour ce champ >"_s);
+    EXPECT_TRUE(error->isVisible());
+    EXPECT_TRUE(window->isWindowModified());
+    picture(*window, u"erreur"_s);
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(error->isHidden());
+    EXPECT_FALSE(window->isWindowModified());
+    key(Qt::Key_L, Qt::ControlModifier);
+    EXPECT_EQ(project.single(u"SELECT [Locked] FROM Essais"_s), true);
+    EXPECT_EQ(window->findChild<QLabel*>(u"verrou"_s)->text(), u"< Lecture seule > - L'enregistrement est verrouillé"_s);
+    EXPECT_TRUE(window->findChild<QLineEdit*>(u"editeur-Titre"_s)->isReadOnly());
+    picture(*window, u"verrouille"_s);
+    ASSERT_TRUE(edit->select(u"1-Individus"_s));
+    window->actions().modeVertical->trigger();
+    EXPECT_EQ(window->findChildren<QLineEdit*>(u"editeur-Titre"_s).size(), 1); // the records under it are shown too
+    picture(*window, u"vertical"_s);
+    window->actions().modeCondensed->trigger();
+    picture(*window, u"condense"_s);
+    window->close();
+    EXPECT_EQ(memory.value(u"fiche/mode"_s), u"modecondensed"_s);
+}
+
 TEST_F(RecordEditorTest, TheTreeIsWalkedAndAddsByTheKeyboard)
 {
     show(u"1-Individus;1"_s);
@@ -199,6 +231,26 @@ TEST_F(RecordEditorTest, TypingIsFoundAgainAfterACrash)
     EXPECT_FALSE(QFileInfo::exists(project.path(u"projet.hbx.saisie"_s)));
     open();
     EXPECT_FALSE(window->offerDraft());
+}
+
+TEST_F(RecordEditorTest, EveryCommandAndFieldHasANameForAssistiveTools)
+{
+    show(u"1-Essais"_s);
+    QSet<QString> names;
+    for (const QAction* action : window->actions().findChildren<QAction*>()) {
+        if (action->isSeparator() || action->text().isEmpty())
+            continue;
+        EXPECT_FALSE(action->objectName().isEmpty()) << action->text().toStdString();
+        EXPECT_FALSE(names.contains(action->objectName())) << action->objectName().toStdString();
+        names << action->objectName();
+    }
+    for (const QWidget* widget : window->findChildren<QWidget*>()) {
+        const bool typedInto = widget->focusPolicy() & Qt::TabFocus && widget->isVisible();
+        if (!typedInto || widget->objectName().startsWith(u"qt_"))
+            continue;
+        EXPECT_FALSE(widget->accessibleName().isEmpty())
+            << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
+    }
 }
 
 } // namespace
