@@ -1,12 +1,16 @@
 // How the result of a query is looked at: as rows, as pictures, as points on a map.
 #pragma once
 
-#include "jet/Database.h"
 #include "platform/ui/DocumentTab.h"
-#include "query/QueryDefinition.h"
 
+#include <QList>
+#include <QVariant>
 #include <QWidget>
 #include <functional>
+
+namespace jet {
+class Database;
+}
 
 namespace query {
 
@@ -26,7 +30,7 @@ public:
     virtual jet::Database& database() const = 0;
     virtual QString module() const = 0; ///< Root of the query.
     virtual QString name() const = 0;   ///< Of the query.
-    /// The whole statement of a mode ("data", "picture", "map"; their columns are told with StatementBuilder) as the
+    /// The whole statement of a mode ("data", "picture", "map"; their columns are told at StatementBuilder) as the
     /// query was when it ran last; empty when it has none. Cheap; reads nothing.
     virtual QString statement(const QString& mode) const = 0;
 
