@@ -1,10 +1,9 @@
 #include "app/HostBase.h"
 
+#include "app/References.h"
 #include "app/Session.h"
-#include "editing/ProjectRecords.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
-#include "reference/ProjectNames.h"
 
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -66,42 +65,9 @@ QList<QVariantList> rowsOf(jet::Recordset& rows)
 
 } // namespace
 
-/// The reference classes and records of the open project.
-struct HostBase::Names {
-    explicit Names(Session& session)
-        : records(std::make_shared<editing::ProjectRecords>(session.database(), session.dictionary(),
-                                                            session.properties())),
-          context{[&session] { return session.nextId(); }, {}, records},
-          world{session.database(), session.surroundings().clock, session.surroundings().dialogues, context},
-          taxa(world), places(world), people(world),
-          names(std::make_shared<reference::ProjectNames>(taxa, places, people))
-    {
-        context.names = names;
-    }
-    std::shared_ptr<editing::ProjectRecords> records;
-    editing::EditingContext context;
-    reference::ReferenceContext world;
-    reference::Cl_Taxon taxa;
-    reference::Cl_Localité places;
-    reference::Cl_Collecteur people;
-    std::shared_ptr<reference::ProjectNames> names;
-};
-
 HostBase::HostBase(Session& session) : m_session(session) {}
 
 HostBase::~HostBase() = default;
-
-HostBase::Names& HostBase::names()
-{
-    if (!m_names)
-        m_names = std::make_unique<Names>(m_session);
-    return *m_names;
-}
-
-void HostBase::forgetProject()
-{
-    m_names.reset();
-}
 
 // --- Records ---------------------------------------------------------------------------------------
 
@@ -146,19 +112,19 @@ qint32 HostBase::Détermination(qint32 individu)
 QString HostBase::Botaniste(qint32 id)
 {
     const bool known = Valeur(u"Collecteurs"_s, id, u"ID Collecteurs"_s).isValid();
-    return known ? names().names->botaniste(id) : QString::number(id);
+    return known ? m_session.references().context().names->botaniste(id) : QString::number(id);
 }
 
 QString HostBase::Localité(qint32 id)
 {
     const bool known = Valeur(u"Localités"_s, id, u"ID Localités"_s).isValid();
-    return known ? names().names->localité(id) : QString::number(id);
+    return known ? m_session.references().context().names->localité(id) : QString::number(id);
 }
 
 QString HostBase::Taxon(qint32 id)
 {
     const bool known = Valeur(u"Taxons"_s, id, u"ID Taxons"_s).isValid();
-    return known ? names().names->taxon(id) : QString::number(id);
+    return known ? m_session.references().context().names->taxon(id) : QString::number(id);
 }
 
 // --- The project -----------------------------------------------------------------------------------
@@ -281,7 +247,7 @@ bool HostBase::Wizard(const QString& title, addin::TabEditions& fields)
     if (!dialogue)
         return false;
     return answered(m_session, "Wizard", false, [&] {
-        editing::Cl_Editions form(names().context);
+        editing::Cl_Editions form(m_session.references().context());
         form.setTabedition({}, fields);
         return dialogue->edit(title, form, [](editing::Cl_Editions& typed) { return typed.valid(); });
     });

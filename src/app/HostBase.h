@@ -21,9 +21,6 @@ public:
 
     /// The windows; null for none. They must outlive the session or be taken away before.
     void setViews(HostViews* views) { m_views = views; }
-    /// The project is about to be closed.
-    void forgetProject();
-
     bool EditItem(const QString& key) override;
     addin::TabEditions GetEditObject(const QString& module, qint32 id) override;
     QString OLEFiletype(const QString& file) override;
@@ -49,12 +46,8 @@ public:
     bool Wizard(const QString& title, addin::TabEditions& fields) override;
 
 private:
-    struct Names;
-    Names& names();
-
     Session& m_session;
     HostViews* m_views = nullptr;
-    std::unique_ptr<Names> m_names; ///< Made when the first name is asked.
 };
 
 } // namespace app

@@ -145,11 +145,17 @@ void compact(const QString& path, platform::Progression& progression)
 
 bool Session::optimise(platform::Progression& progression)
 {
-    if (!isOpen())
-        return false;
-    if (!m_surroundings.dialogues.confirm(question(), caption + u" - Optimisation"_s,
-                                          platform::BoxIcon::Warning))
-        return false;
+    return confirmOptimise() && optimiseConfirmed(progression);
+}
+
+bool Session::confirmOptimise() const
+{
+    return isOpen()
+           && m_surroundings.dialogues.confirm(question(), caption + u" - Optimisation"_s, platform::BoxIcon::Warning);
+}
+
+bool Session::optimiseConfirmed(platform::Progression& progression)
+{
     const QString file = path();
     bool done = false;
     try {

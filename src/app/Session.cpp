@@ -1,6 +1,7 @@
 #include "app/Session.h"
 
 #include "app/ProjectFiles.h"
+#include "app/References.h"
 #include "data/CoreModules.h"
 #include "data/CoreSchema.h"
 
@@ -99,7 +100,7 @@ void Session::close()
 {
     // Add-ins give their rows back while the file is still open.
     m_addins.reset();
-    m_host->forgetProject();
+    m_references.reset();
     m_properties.reset();
     m_dictionary.reset();
     m_selections.clear();
@@ -164,6 +165,13 @@ data::PropertyStore& Session::properties() const
 const QList<data::ModuleRecord>& Session::modules() const
 {
     return m_dictionary ? m_dictionary->modules() : noModules();
+}
+
+References& Session::references()
+{
+    if (!m_references)
+        m_references = std::make_unique<References>(*this);
+    return *m_references;
 }
 
 Addins& Session::addins() const

@@ -5,6 +5,7 @@
 #include "app/HostBase.h"
 #include "data/Dictionary.h"
 #include "data/PropertyStore.h"
+#include "editing/FormDialogue.h"
 #include "jet/Database.h"
 #include "platform/Clock.h"
 #include "platform/Dialogues.h"
@@ -16,6 +17,8 @@
 #include <memory>
 
 namespace app {
+
+class References;
 
 /// What the session needs of the world around it.
 struct Surroundings {
@@ -47,6 +50,9 @@ public:
     void close();
     /// Asks, repairs links, compacts with a backup, opens the compacted file.
     bool optimise(platform::Progression& progression);
+    /// The two halves of it, for who has something to put away between them.
+    bool confirmOptimise() const;
+    bool optimiseConfirmed(platform::Progression& progression);
     /// The file that start-up opens: the one named, else that of the setting. When it is missing and its backup is
     /// there, offers to restore it. Empty when there is none.
     QString startFile(const QString& named);
@@ -62,6 +68,12 @@ public:
     Addins& addins() const;
     /// What add-ins call back.
     HostBase& host() { return *m_host; }
+    /// The reference lists, one of each for every window; made when they are first asked for.
+    References& references();
+    /// Shows forms through what was given last; false without it.
+    editing::FormDialogue& form() { return m_form; }
+    /// Null takes it away.
+    void setForm(editing::FormDialogue* form) { m_form.target = form; }
     /// The folder of the add-in libraries.
     QString addinFolder() const;
     /// A number that this session has not given before.
@@ -73,6 +85,16 @@ public:
     const Surroundings& surroundings() const { return m_surroundings; }
 
 private:
+    /// The lists are made once, the window that shows forms may come and go.
+    struct Form : editing::FormDialogue {
+        bool edit(const QString& title, editing::Cl_Editions& form,
+                  const std::function<bool(editing::Cl_Editions&)>& save) override
+        {
+            return target && target->edit(title, form, save);
+        }
+        editing::FormDialogue* target = nullptr;
+    };
+
     void runOpening(const QString& path, platform::Progression& progression);
     void openFile(const QString& path);
     void validateStructure();
@@ -83,6 +105,8 @@ private:
     std::unique_ptr<jet::Database> m_database;
     std::unique_ptr<data::Dictionary> m_dictionary;
     std::unique_ptr<data::PropertyStore> m_properties;
+    Form m_form;
+    std::unique_ptr<References> m_references;
     std::unique_ptr<HostBase> m_host;
     std::unique_ptr<Addins> m_addins;
     QHash<QString, QList<qint32>> m_selections;

@@ -4,6 +4,7 @@
 #include "app/ui/Icons.h"
 
 #include <QTabBar>
+#include <algorithm>
 
 namespace app {
 
@@ -28,9 +29,22 @@ Documents::Documents(Session& session, platform::TaskRunner& runner, WindowState
     connect(m_tabs, &QTabWidget::currentChanged, this, &Documents::currentChanged);
 }
 
-GridTab* Documents::current() const
+platform::DocumentTab* Documents::current() const
+{
+    return qobject_cast<platform::DocumentTab*>(m_tabs->currentWidget());
+}
+
+GridTab* Documents::currentGrid() const
 {
     return qobject_cast<GridTab*>(m_tabs->currentWidget());
+}
+
+QList<platform::DocumentTab*> Documents::tabs() const
+{
+    QList<platform::DocumentTab*> all;
+    for (int tab = 0; tab < m_tabs->count(); ++tab)
+        all << static_cast<platform::DocumentTab*>(m_tabs->widget(tab));
+    return all;
 }
 
 QList<GridTab*> Documents::grids() const
@@ -43,12 +57,55 @@ QList<GridTab*> Documents::grids() const
     return all;
 }
 
+platform::DocumentTab* Documents::find(const QString& key) const
+{
+    const QList<platform::DocumentTab*> all = tabs();
+    for (platform::DocumentTab* tab : all) {
+        if (tab->key() == key)
+            return tab;
+    }
+    return nullptr;
+}
+
+bool Documents::show(const QString& key)
+{
+    platform::DocumentTab* tab = find(key);
+    if (tab)
+        m_tabs->setCurrentWidget(tab);
+    return tab;
+}
+
+platform::DocumentTab* Documents::add(std::unique_ptr<platform::DocumentTab> made)
+{
+    if (show(made->key()))
+        return current();
+    platform::DocumentTab* tab = made.release();
+    connectTab(*tab);
+    m_tabs->setCurrentIndex(m_tabs->addTab(tab, tab->icon(), tab->title()));
+    showTabsOrStart();
+    tab->setFocus();
+    return tab;
+}
+
+void Documents::connectTab(platform::DocumentTab& tab)
+{
+    using platform::DocumentTab;
+    connect(&tab, &DocumentTab::stateChanged, this, [this, &tab] {
+        const int place = m_tabs->indexOf(&tab);
+        if (place < 0)
+            return;
+        m_tabs->setTabText(place, tab.title());
+        if (&tab == current())
+            Q_EMIT currentChanged();
+    });
+    connect(&tab, &DocumentTab::failed, this,
+            [this, &tab](const QString& description) { Q_EMIT failed(tab.title(), description); });
+}
+
 void Documents::openRecords(const QString& key, NodeKind kind)
 {
-    for (GridTab* grid : grids()) {
-        if (grid->source().key == key)
-            return m_tabs->setCurrentWidget(grid);
-    }
+    if (show(key))
+        return;
     GridSource source;
     const data::ModuleRecord* module =
         kind == NodeKind::Module ? m_session.dictionary().module(key) : nullptr;
@@ -62,25 +119,24 @@ void Documents::openRecords(const QString& key, NodeKind kind)
         source = collectorsSource();
     else
         return;
+    auto grid = std::make_unique<GridTab>(source, m_session, m_runner, m_state, m_tabs);
+    connect(grid.get(), &GridTab::activated, this,
+            [this, tab = grid.get()](qint32 id) { Q_EMIT rowActivated(tab, id); });
+    add(std::move(grid));
+}
 
-    auto* grid = new GridTab(source, m_session, m_runner, m_state, m_tabs);
-    connect(grid, &GridTab::statusChanged, this, [this, grid] {
-        if (grid == current())
-            Q_EMIT currentChanged();
-    });
-    connect(grid, &GridTab::failed, this,
-            [this, grid](const QString& description) { Q_EMIT failed(grid->source().title, description); });
-    m_tabs->setCurrentIndex(m_tabs->addTab(grid, iconNamed(source.icon, m_session.modules()), source.title));
+void Documents::discard(int tab)
+{
+    // Gone at once: no tab outlives the project that it shows.
+    const std::unique_ptr<QWidget> gone(m_tabs->widget(tab));
+    m_tabs->removeTab(tab);
     showTabsOrStart();
-    grid->setFocus();
 }
 
 void Documents::close(int tab)
 {
-    // Gone at once: no tab outlives the project that it shows.
-    const std::unique_ptr<QWidget> grid(m_tabs->widget(tab));
-    m_tabs->removeTab(tab);
-    showTabsOrStart();
+    if (tabs().at(tab)->mayClose())
+        discard(tab);
 }
 
 void Documents::closeCurrent()
@@ -89,16 +145,38 @@ void Documents::closeCurrent()
         close(m_tabs->currentIndex());
 }
 
+bool Documents::mayCloseAll()
+{
+    const QList<platform::DocumentTab*> all = tabs();
+    return std::all_of(all.begin(), all.end(), [](platform::DocumentTab* tab) { return tab->mayClose(); });
+}
+
 void Documents::closeAll()
 {
     while (m_tabs->count() > 0)
-        close(m_tabs->count() - 1);
+        discard(m_tabs->count() - 1);
 }
 
-void Documents::reloadStale()
+void Documents::closeForReopening()
 {
-    for (GridTab* grid : grids())
-        grid->model().reloadIfStale();
+    for (int tab = m_tabs->count() - 1; tab >= 0; --tab) {
+        if (!tabs().at(tab)->survivesReopening())
+            discard(tab);
+    }
+}
+
+void Documents::recordsWritten(const QStringList& modules)
+{
+    const QList<platform::DocumentTab*> all = tabs();
+    for (platform::DocumentTab* tab : all)
+        tab->recordsWritten(modules);
+}
+
+void Documents::projectReopened()
+{
+    const QList<platform::DocumentTab*> all = tabs();
+    for (platform::DocumentTab* tab : all)
+        tab->projectReopened();
 }
 
 void Documents::showTabsOrStart()

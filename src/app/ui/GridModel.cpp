@@ -2,6 +2,7 @@
 
 #include "app/Session.h"
 #include "data/FieldType.h"
+#include "jet/SqlText.h"
 
 #include <QLocale>
 #include <QLoggingCategory>
@@ -88,6 +89,24 @@ GridModel::~GridModel()
 void GridModel::load()
 {
     start(m_sortColumn, m_sortOrder);
+}
+
+void GridModel::follow()
+{
+    if (m_runner.isRunning() || !isComplete() || m_sortColumn >= 0)
+        return load();
+    try {
+        const auto count = m_session.database().OpenRecordset(u"SELECT Count(*) FROM "_s
+                                                              + jet::nom(m_source.tables.first()));
+        if (count->Value(0).toLongLong() != m_shown)
+            return load();
+        m_rows->forget();
+    } catch (const jet::Error& error) {
+        qCWarning(gridLog).noquote() << m_source.title << error.number() << error.description();
+        return load();
+    }
+    if (m_shown > 0)
+        Q_EMIT dataChanged(index(0, 0), index(m_shown - 1, columnCount() - 1));
 }
 
 void GridModel::reloadIfStale()

@@ -25,6 +25,8 @@ public:
     const GridSource& source() const { return m_source; }
     /// Runs the statement (again), in the order shown now.
     void load();
+    /// Records were written: shows the rows as they are now, and runs the statement again when rows came or went.
+    void follow();
     /// Runs it again when the project was closed and opened meanwhile.
     void reloadIfStale();
     /// Every row is known.

@@ -28,6 +28,8 @@ public:
     const Row* cached(qint64 row) const;
     /// A row, its page read when needed. Throws jet::Error.
     const Row& row(qint64 row);
+    /// Values are read again when they are next seen.
+    void forget() { m_pages.clear(); }
     /// The database was closed meanwhile.
     bool stale() const;
 

@@ -12,6 +12,8 @@ using jet::nom;
 
 namespace {
 
+const QString identifierHeader = u"Identifiant"_s;
+
 QString column(const QString& table, const QString& name)
 {
     return nom(table) + u'.' + nom(name);
@@ -20,20 +22,24 @@ QString column(const QString& table, const QString& name)
 /// A chain of left joins, each in parentheses around the one before.
 class JoinChain {
 public:
-    explicit JoinChain(const QString& table) : m_text(nom(table)) {}
+    explicit JoinChain(const QString& table) : m_text(nom(table)), m_tables(table) {}
 
     /// Joins `table` by its number and gives the name under which it stands in the statement.
     QString join(const QString& table, const QString& idColumn, const QString& number)
     {
+        if (!m_tables.contains(table))
+            m_tables << table;
         const QString alias = table + u'_' + QString::number(++m_count);
         m_text = (m_count > 1 ? u'(' + m_text + u')' : m_text) + u" LEFT JOIN "_s + nom(table) + u" AS "_s
                  + nom(alias) + u" ON "_s + number + u" = "_s + column(alias, idColumn);
         return alias;
     }
     const QString& text() const { return m_text; }
+    const QStringList& tables() const { return m_tables; }
 
 private:
     QString m_text;
+    QStringList m_tables;
     int m_count = 0;
 };
 
@@ -91,6 +97,22 @@ private:
 
 } // namespace
 
+int GridSource::idColumn() const
+{
+    for (int place = 0; place < columns.size(); ++place) {
+        if (columns.at(place).header == identifierHeader && columns.at(place).type == data::LienCourant)
+            return place;
+    }
+    return -1;
+}
+
+bool GridSource::shows(const QStringList& written) const
+{
+    return written.isEmpty() || std::any_of(written.begin(), written.end(), [this](const QString& table) {
+        return tables.contains(table, Qt::CaseInsensitive);
+    });
+}
+
 QString GridSource::statement(int sorted, Qt::SortOrder order) const
 {
     QStringList outputs;
@@ -115,7 +137,7 @@ GridSource moduleSource(const data::ModuleRecord& module, const QList<data::Modu
     const jet::TableDef* table = schema.table(module.name);
     JoinChain joins(module.name);
     FieldColumns fields(joins, modules, schema);
-    source.columns << GridColumn{u"Identifiant"_s, column(module.name, module.idColumn()), data::LienCourant};
+    source.columns << GridColumn{identifierHeader, column(module.name, module.idColumn()), data::LienCourant};
     if (!module.isIndividus())
         source.columns << GridColumn{u"Individu"_s, column(module.name, u"ID Individus"_s), data::LienCourant};
     // The current determination is the name of the plant: links come before the other fields.
@@ -129,6 +151,7 @@ GridSource moduleSource(const data::ModuleRecord& module, const QList<data::Modu
                    << GridColumn{u"Modifié le"_s, column(module.name, u"DateModify"_s), data::Date}
                    << GridColumn{u"Verrouillé"_s, column(module.name, u"Locked"_s), data::OuiNon};
     source.from = joins.text();
+    source.tables = joins.tables();
     return source;
 }
 
@@ -140,6 +163,7 @@ GridSource taxaSource()
     const QString accepted = joins.join(table, u"ID Taxons"_s, column(table, u"ID Valid"_s));
     GridSource source{u"Lstaxons"_s, u"Taxons"_s, u"Lstaxons"_s, joins.text(), {}, 0,
                       u"La liste des taxons est vide."_s};
+    source.tables = joins.tables();
     source.columns = {{u"Nom complet"_s, column(table, u"Nom Complet"_s), data::Texte},
                       {u"Auteurs"_s, column(table, u"Auteurs"_s), data::Texte},
                       {u"Famille"_s, column(family, u"Taxon"_s), data::Texte},
@@ -147,7 +171,7 @@ GridSource taxaSource()
                       {u"Date"_s, column(table, u"DateOriginal"_s), data::Date},
                       {u"Type"_s, column(table, u"TypeSpecimen"_s), data::Texte},
                       {u"Commentaire"_s, column(table, u"Commentaire"_s), data::TexteMémo},
-                      {u"Identifiant"_s, column(table, u"ID Taxons"_s), data::LienCourant}};
+                      {identifierHeader, column(table, u"ID Taxons"_s), data::LienCourant}};
     return source;
 }
 
@@ -156,13 +180,14 @@ GridSource localitiesSource()
     const QString table = u"Localités"_s;
     GridSource source{u"Lslocalités"_s, table, u"Lslocalités"_s, nom(table), {}, 0,
                       u"La liste des localités est vide."_s};
+    source.tables = QStringList{table};
     source.columns = {{u"Nom entier"_s, column(table, u"Nom Entier"_s), data::Texte},
                       {u"Localité"_s, column(table, u"Localité"_s), data::Texte},
                       {u"Longitude"_s, column(table, u"LongDD"_s), data::Longitude},
                       {u"Latitude"_s, column(table, u"LatDD"_s), data::Latitude},
                       {u"Altitude"_s, column(table, u"Altitude"_s), data::Réel},
                       {u"Référence GPS"_s, column(table, u"GPSRef"_s), data::Texte},
-                      {u"Identifiant"_s, column(table, u"ID Localités"_s), data::LienCourant}};
+                      {identifierHeader, column(table, u"ID Localités"_s), data::LienCourant}};
     return source;
 }
 
@@ -171,11 +196,12 @@ GridSource collectorsSource()
     const QString table = u"Collecteurs"_s;
     GridSource source{u"Lsbotanistes"_s, u"Botanistes"_s, u"Lsbotanistes"_s, nom(table), {}, 0,
                       u"La liste des botanistes est vide."_s};
+    source.tables = QStringList{table};
     source.columns = {{u"Collecteur"_s, column(table, u"Collecteur"_s), data::Texte},
                       {u"Initiales"_s, column(table, u"Initiales"_s), data::Texte},
                       {u"Botaniste"_s, column(table, u"Bot"_s), data::OuiNon},
                       {u"Organisme"_s, column(table, u"Organisme"_s), data::Texte},
-                      {u"Identifiant"_s, column(table, u"ID Collecteurs"_s), data::LienCourant}};
+                      {identifierHeader, column(table, u"ID Collecteurs"_s), data::LienCourant}};
     return source;
 }
 

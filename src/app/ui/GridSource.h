@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace data {
 struct ModuleRecord;
@@ -30,6 +31,12 @@ struct GridSource {
     int sortedBy = -1; ///< Column by which it is sorted at first; -1 for none.
     QString emptyText; ///< What is said when there is no record.
 
+    QStringList tables = {}; ///< Of the rows, then those whose values stand beside.
+
+    /// The column with the identifiers of the rows; -1 for none.
+    int idColumn() const;
+    /// Values of one of these tables; nothing named stands for all.
+    bool shows(const QStringList& written) const;
     /// The statement, sorted by a column (-1 for none).
     QString statement(int column, Qt::SortOrder order) const;
 };

@@ -1,11 +1,14 @@
 #include "app/ui/GridTab.h"
 
+#include "app/Session.h"
 #include "app/ui/GridCopy.h"
 #include "app/ui/Icons.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLocale>
+#include <QLoggingCategory>
 #include <QMimeData>
 #include <QPointer>
 #include <QProxyStyle>
@@ -15,6 +18,8 @@ namespace app {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+Q_LOGGING_CATEGORY(tabLog, "herbora.grid.tab")
 
 constexpr int widestColumnCharacters = 54;
 /// Up to so many rows are copied at once, without a word.
@@ -39,7 +44,7 @@ QString countText(qint64 count, const QString& one, const QString& several)
 
 GridTab::GridTab(GridSource source, Session& session, platform::TaskRunner& runner, WindowState& state,
                  QWidget* parent)
-    : QWidget(parent), m_state(state), m_runner(runner),
+    : DocumentTab(parent), m_session(session), m_state(state), m_runner(runner),
       m_model(new GridModel(std::move(source), session, runner, this)), m_view(new QTableView(this)),
       m_note(new QLabel(this)), m_layout(new QStackedLayout(this))
 {
@@ -112,7 +117,9 @@ void GridTab::connectModel()
             m_layout->setCurrentWidget(m_note);
         Q_EMIT failed(description);
     });
-    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &GridTab::statusChanged);
+    connect(m_view, &QTableView::doubleClicked, this, &GridTab::activate);
+    m_view->installEventFilter(this);
+    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &GridTab::stateChanged);
 }
 
 void GridTab::showSort(int column, Qt::SortOrder order)
@@ -130,6 +137,8 @@ void GridTab::firstRows()
     if (!m_arranged && !restoreColumns())
         fitColumns();
     m_arranged = true;
+    if (m_rowWanted >= 0)
+        return;
     if (!m_view->currentIndex().isValid())
         m_view->selectionModel()->setCurrentIndex(m_model->index(0, 0), QItemSelectionModel::NoUpdate);
     m_view->scrollToTop();
@@ -141,7 +150,8 @@ void GridTab::showRowsOrNote()
     if (empty)
         m_note->setText(source().emptyText);
     m_layout->setCurrentWidget(empty ? static_cast<QWidget*>(m_note) : m_view);
-    Q_EMIT statusChanged();
+    returnToRow();
+    Q_EMIT stateChanged();
 }
 
 QString GridTab::statusText() const
@@ -158,6 +168,118 @@ QString GridTab::statusText() const
     if (selected > 0)
         text += u", "_s + countText(selected, u"sélectionné"_s, u"sélectionnés"_s);
     return text;
+}
+
+QIcon GridTab::icon() const
+{
+    return iconNamed(source().icon, m_session.modules());
+}
+
+bool GridTab::can(platform::TabCommand command) const
+{
+    using enum platform::TabCommand;
+    return command == Copy || command == CopyWithHeaders || command == SelectAll || command == Refresh
+           || command == FitColumns;
+}
+
+void GridTab::run(platform::TabCommand command)
+{
+    using enum platform::TabCommand;
+    switch (command) {
+    case Copy:
+    case CopyWithHeaders:
+        return copy(command == CopyWithHeaders);
+    case SelectAll:
+        return selectAll();
+    case Refresh:
+        return m_model->load();
+    case FitColumns:
+        return fitColumns();
+    default:
+        return;
+    }
+}
+
+// --- Records ---------------------------------------------------------------------------------------
+
+qint32 GridTab::idOf(int row) const
+{
+    const auto rows = m_model->rows();
+    const int column = source().idColumn();
+    if (!rows || column < 0 || row < 0 || row >= m_model->rowCount() || m_runner.isRunning())
+        return 0;
+    try {
+        return rows->row(row).at(size_t(column)).toInt();
+    } catch (const jet::Error& error) {
+        qCWarning(tabLog).noquote() << source().title << row << error.number() << error.description();
+        return 0;
+    }
+}
+
+qint32 GridTab::currentId() const
+{
+    return idOf(m_view->currentIndex().row());
+}
+
+QList<qint32> GridTab::selectedIds() const
+{
+    QList<qint32> ids;
+    QModelIndexList rows = m_view->selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    for (const QModelIndex& row : std::as_const(rows)) {
+        if (const qint32 id = idOf(row.row()))
+            ids << id;
+    }
+    return ids;
+}
+
+QList<qint32> GridTab::idsAround(int most) const
+{
+    QList<qint32> ids;
+    const int first = qMax(0, qMin(m_view->currentIndex().row() - most / 2, m_model->rowCount() - most));
+    for (int row = first; row < qMin(first + most, m_model->rowCount()); ++row) {
+        if (const qint32 id = idOf(row))
+            ids << id;
+    }
+    return ids;
+}
+
+void GridTab::activate(const QModelIndex& index)
+{
+    if (const qint32 id = idOf(index.row()))
+        Q_EMIT activated(id);
+}
+
+bool GridTab::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_view && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && key->modifiers() == Qt::NoModifier) {
+            activate(m_view->currentIndex());
+            return true;
+        }
+    }
+    return DocumentTab::eventFilter(watched, event);
+}
+
+void GridTab::recordsWritten(const QStringList& modules)
+{
+    if (!source().shows(modules))
+        return;
+    m_rowWanted = m_view->currentIndex().row();
+    m_model->follow();
+}
+
+void GridTab::returnToRow()
+{
+    if (m_rowWanted < 0 || m_model->isLoading() || (m_rowWanted >= m_model->rowCount() && !m_model->isComplete()))
+        return;
+    const int row = qMin(std::exchange(m_rowWanted, -1), m_model->rowCount() - 1);
+    if (row < 0 || row == m_view->currentIndex().row())
+        return;
+    m_view->selectionModel()->setCurrentIndex(m_model->index(row, 0),
+                                              QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_view->scrollTo(m_model->index(row, 0), QAbstractItemView::PositionAtCenter);
 }
 
 void GridTab::selectAll()

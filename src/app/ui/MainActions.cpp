@@ -31,6 +31,12 @@ void MainActions::makeFileActions()
                u"Ctrl+O"_s);
     open->setIconText(u"Ouvrir"_s);
     closeTab = add(u"closeTab"_s, u"tab-close"_s, u"&Fermer l'onglet"_s, u"Fermer l'onglet affiché"_s, u"Ctrl+W"_s);
+    save = add(u"save"_s, u"document-save"_s, u"&Enregistrer"_s, u"Enregistrer ce que l'onglet affiché contient"_s,
+               u"Ctrl+S"_s);
+    exportRows = add(u"exportRows"_s, u"document-export"_s, u"E&xporter…"_s,
+                     u"Écrire dans un fichier ce que l'onglet affiché montre"_s, u"Ctrl+E"_s);
+    print = add(u"print"_s, u"document-print"_s, u"&Imprimer…"_s, u"Imprimer ce que l'onglet affiché montre"_s,
+                u"Ctrl+P"_s);
     quit = add(u"quit"_s, u"application-exit"_s, u"&Quitter"_s, u"Fermer le projet et quitter Herbora"_s,
                u"Ctrl+Q"_s);
     quit->setMenuRole(QAction::QuitRole);
@@ -44,6 +50,14 @@ void MainActions::makeGridActions()
                           u"Copier les lignes sélectionnées, précédées des titres des colonnes"_s, u"Ctrl+Shift+C"_s);
     selectAll = add(u"selectAll"_s, u"edit-select-all"_s, u"&Sélectionner tout"_s,
                     u"Sélectionner toutes les lignes"_s, u"Ctrl+A"_s);
+    find = add(u"find"_s, u"edit-find"_s, u"&Rechercher"_s, u"Chercher dans l'onglet affiché"_s, u"Ctrl+F"_s);
+}
+
+QList<std::pair<QAction*, platform::TabCommand>> MainActions::ofTabs() const
+{
+    using enum platform::TabCommand;
+    return {{copy, Copy}, {copyWithHeaders, CopyWithHeaders}, {selectAll, SelectAll}, {refresh, Refresh},
+            {fitColumns, FitColumns}, {save, Save}, {find, Find}, {print, Print}, {exportRows, ExportRows}};
 }
 
 void MainActions::makeViewActions()
@@ -97,12 +111,14 @@ QMenu* MainActions::install(QMainWindow& window, ModuleDock& dock) const
     recent->setObjectName(u"menuRecents"_s);
     recent->menuAction()->setObjectName(u"recents"_s);
     file->addSeparator();
+    file->addActions({save, exportRows, print});
+    file->addSeparator();
     file->addAction(closeTab);
     file->addSeparator();
     file->addAction(quit);
 
     QMenu* edit = addMenu(u"menuEdition"_s, u"É&dition"_s);
-    edit->addActions({copy, copyWithHeaders, selectAll});
+    edit->addActions({copy, copyWithHeaders, selectAll, find});
     edit->addSeparator();
     QMenu* node = edit->addMenu(iconNamed(u"Database"_s), u"&Modules et requêtes"_s);
     node->setObjectName(u"menuModules"_s);
@@ -124,6 +140,7 @@ QMenu* MainActions::install(QMainWindow& window, ModuleDock& dock) const
     view->addSeparator();
     view->addAction(fullScreen);
 
+    addMenu(u"menuDonnees"_s, u"Do&nnées"_s);
     addMenu(u"menuOutils"_s, u"&Outils"_s)->addActions({modif, optimise});
     addMenu(u"menuAide"_s, u"Aid&e"_s)->addAction(about);
     return recent;

@@ -1,6 +1,8 @@
 // The commands of the main window's menus and tool bar.
 #pragma once
 
+#include "platform/ui/DocumentTab.h"
+
 #include <QAction>
 #include <QObject>
 
@@ -26,6 +28,10 @@ public:
     QAction* selectAll;
     QAction* refresh;
     QAction* fitColumns;
+    QAction* save;
+    QAction* find;
+    QAction* print;
+    QAction* exportRows;
     QAction* expandAll;
     QAction* collapseAll;
     QAction* fullScreen;
@@ -33,6 +39,8 @@ public:
     QAction* optimise;
     QAction* about;
 
+    /// The commands that the tab shown carries out.
+    QList<std::pair<QAction*, platform::TabCommand>> ofTabs() const;
     /// Fills the menu bar and the tool bar of the window; gives the menu of recent projects.
     QMenu* install(QMainWindow& window, ModuleDock& dock) const;
 

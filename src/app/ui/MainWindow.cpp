@@ -2,6 +2,7 @@
 
 #include "app/Session.h"
 #include "app/ui/AboutDialog.h"
+#include "app/ui/Desk.h"
 #include "app/ui/Icons.h"
 #include "app/ui/TreeObjects.h"
 
@@ -10,6 +11,7 @@
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTimer>
+#include <algorithm>
 
 namespace app {
 
@@ -45,6 +47,7 @@ MainWindow::MainWindow(Session& session, platform::TaskRunner& runner, platform:
       m_commands(new ProjectCommands(session, runner, dialogues, *m_recent, this)),
       m_actions(new MainActions(this)), m_dock(new ModuleDock(this)), m_start(new StartPage(*m_recent)),
       m_documents(new Documents(session, runner, state, m_start, this)),
+      m_place(new Workplace(session, runner, dialogues, state, *m_documents, *this, this)),
       m_progression(new platform::ProgressionBar(this)), m_count(new QLabel(this))
 {
     setObjectName(u"mainWindow"_s);
@@ -61,6 +64,8 @@ MainWindow::MainWindow(Session& session, platform::TaskRunner& runner, platform:
     connectActions();
     connectParts();
     connectProgression();
+    serveTree();
+    makeDesks();
     showProject();
     restoreState();
 }
@@ -80,17 +85,13 @@ void MainWindow::connectActions()
     on(m_actions->about, [this] { (new AboutDialog(m_session.surroundings().version, this))->open(); });
     on(m_actions->fullScreen,
        [this] { setWindowState(windowState().setFlag(Qt::WindowFullScreen, m_actions->fullScreen->isChecked())); });
-    const auto onGrid = [this, on](QAction* action, auto command) {
+    for (const auto& [action, command] : m_actions->ofTabs()) {
         on(action, [this, command] {
-            if (GridTab* grid = m_documents->current())
-                command(*grid);
+            platform::DocumentTab* tab = m_documents->current();
+            if (tab && tab->can(command))
+                tab->run(command);
         });
-    };
-    onGrid(m_actions->copy, [](GridTab& grid) { grid.copy(false); });
-    onGrid(m_actions->copyWithHeaders, [](GridTab& grid) { grid.copy(true); });
-    onGrid(m_actions->selectAll, [](GridTab& grid) { grid.selectAll(); });
-    onGrid(m_actions->refresh, [](GridTab& grid) { grid.model().load(); });
-    onGrid(m_actions->fitColumns, [](GridTab& grid) { grid.fitColumns(); });
+    }
 }
 
 void MainWindow::connectParts()
@@ -102,12 +103,28 @@ void MainWindow::connectParts()
     connect(m_start, &StartPage::recordsWanted, this, &MainWindow::openRecords);
     connect(m_commands, &ProjectCommands::projectChanged, this, &MainWindow::showProject);
     connect(m_commands, &ProjectCommands::busyChanged, this, &MainWindow::showBusy);
-    connect(&m_dock->commands(), &TreeCommands::openRecords, this, &MainWindow::openRecords);
-    connect(&m_dock->commands(), &TreeCommands::emptySelection, this, &MainWindow::emptySelection);
+    m_commands->setGuard([this] { return mayClose(); });
+    connect(m_commands, &ProjectCommands::projectClosing, this, &MainWindow::putAway);
+    connect(m_place, &Workplace::recordsWritten, m_documents, &Documents::recordsWritten);
     connect(m_documents, &Documents::currentChanged, this, &MainWindow::showCurrentTab);
     connect(m_documents, &Documents::failed, this, [this](const QString& title, const QString& description) {
         m_dialogues.tell(description, title, platform::BoxIcon::Stop);
     });
+}
+
+void MainWindow::serveTree()
+{
+    TreeCommands& tree = m_dock->commands();
+    tree.provide(u"openModule"_s, [this](const TreeNode& node) { openRecords(node.key); });
+    tree.provide(
+        u"emptySelection"_s, [this](const TreeNode& node) { emptySelection(node.key.chopped(u"-self"_s.size())); },
+        [](const TreeNode& node) { return !node.text.endsWith(u"< 0 >"_s); });
+}
+
+void MainWindow::makeDesks()
+{
+    for (const std::unique_ptr<Desk>& desk : m_desks)
+        desk->install(*menuBar(), m_dock->commands());
 }
 
 void MainWindow::connectProgression()
@@ -144,11 +161,13 @@ void MainWindow::showProject()
         m_start->showWelcome();
         setWindowTitle(u"Herbora"_s);
     } else {
+        for (const std::unique_ptr<Desk>& desk : m_desks)
+            desk->projectOpened();
         m_dock->load(m_session);
         m_objects = std::make_unique<TreeObjects>(m_session, [this] { m_dock->reload(m_session); });
         m_start->showProject(m_dock->model(), path);
         setWindowTitle(m_session.projectName() + u" - "_s + u"Herbora"_s);
-        m_documents->reloadStale();
+        m_documents->projectReopened();
         statusBar()->showMessage(m_session.readOnly() ? u"Projet ouvert en lecture seule"_s : u"Projet ouvert"_s,
                                  messageMilliseconds);
     }
@@ -168,6 +187,8 @@ void MainWindow::showBusy(bool busy)
     m_documents->setEnabled(!busy);
     findChild<QAction*>(u"recents"_s)->setEnabled(!busy);
     findChild<QAction*>(u"modules"_s)->setEnabled(project);
+    for (const std::unique_ptr<Desk>& desk : m_desks)
+        desk->showBusy(busy);
     showCurrentTab();
     if (!busy && m_closeWhenIdle)
         close();
@@ -175,12 +196,12 @@ void MainWindow::showBusy(bool busy)
 
 void MainWindow::showCurrentTab()
 {
-    const GridTab* grid = m_documents->current();
-    const bool usable = grid && !m_commands->isBusy();
-    for (QAction* action : {m_actions->closeTab, m_actions->copy, m_actions->copyWithHeaders, m_actions->selectAll,
-                            m_actions->refresh, m_actions->fitColumns})
-        action->setEnabled(usable);
-    m_count->setText(grid ? grid->statusText() : QString());
+    const platform::DocumentTab* tab = m_documents->current();
+    const bool usable = tab && !m_commands->isBusy();
+    m_actions->closeTab->setEnabled(usable);
+    for (const auto& [action, command] : m_actions->ofTabs())
+        action->setEnabled(usable && tab->can(command));
+    m_count->setText(tab ? tab->statusText() : QString());
 }
 
 // --- What is done ----------------------------------------------------------------------------------
@@ -200,6 +221,20 @@ void MainWindow::emptySelection(const QString& module)
     m_dock->model().setText(QString(module + u"-self"_s), module + u" < 0 >"_s);
 }
 
+bool MainWindow::mayClose()
+{
+    return m_documents->mayCloseAll()
+           && std::all_of(m_desks.begin(), m_desks.end(), [](const auto& desk) { return desk->mayClose(); });
+}
+
+/// Nothing may hold on to a project that is closed or exchanged.
+void MainWindow::putAway()
+{
+    for (const std::unique_ptr<Desk>& desk : m_desks)
+        desk->projectClosing();
+    m_documents->closeForReopening();
+}
+
 // --- Events ----------------------------------------------------------------------------------------
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -210,7 +245,12 @@ void MainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    if (!mayClose()) {
+        event->ignore();
+        return;
+    }
     saveState();
+    putAway();
     m_documents->closeAll();
     event->accept();
 }

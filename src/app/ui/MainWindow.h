@@ -9,10 +9,14 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <vector>
 
 namespace app {
 
+class Desk;
 class TreeObjects;
+class Workplace;
+
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -23,6 +27,7 @@ public:
     ProjectCommands& commands() { return *m_commands; }
     ModuleDock& dock() { return *m_dock; }
     Documents& documents() { return *m_documents; }
+    Workplace& place() { return *m_place; }
     platform::ProgressionBar& progression() { return *m_progression; }
 
 protected:
@@ -37,6 +42,10 @@ private:
     void showProject();
     void showBusy(bool busy);
     void showCurrentTab();
+    void makeDesks();
+    void serveTree();
+    bool mayClose();
+    void putAway();
     void openRecords(const QString& key);
     void emptySelection(const QString& module);
     void restoreState();
@@ -52,6 +61,8 @@ private:
     ModuleDock* m_dock;
     StartPage* m_start;
     Documents* m_documents;
+    Workplace* m_place;
+    std::vector<std::unique_ptr<Desk>> m_desks;
     platform::ProgressionBar* m_progression;
     QLabel* m_count;
     std::unique_ptr<TreeObjects> m_objects; ///< Of the project that is open.

@@ -51,15 +51,16 @@ void ProjectCommands::open()
 
 void ProjectCommands::openPath(const QString& path)
 {
-    run(u"Ouverture"_s, [this, path](platform::Progression& progression) {
-        return m_session.open(path, progression);
-    });
+    if (mayChange())
+        run(u"Ouverture"_s, [this, path](platform::Progression& progression) {
+            return m_session.open(path, progression);
+        });
 }
 
 void ProjectCommands::create()
 {
     QString path = m_dialogues.saveFile(u"Nouveau projet"_s, fileFilter(), u"Nouveau projet.hbx"_s);
-    if (path.isEmpty())
+    if (path.isEmpty() || !mayChange())
         return;
     if (!path.endsWith(u".hbx"_s, Qt::CaseInsensitive))
         path += u".hbx"_s;
@@ -70,14 +71,16 @@ void ProjectCommands::create()
 
 void ProjectCommands::optimise()
 {
-    if (m_session.isOpen())
-        run(u"Optimisation"_s, [this](platform::Progression& progression) { return m_session.optimise(progression); });
+    if (m_session.isOpen() && mayChange() && m_session.confirmOptimise())
+        run(u"Optimisation"_s,
+            [this](platform::Progression& progression) { return m_session.optimiseConfirmed(progression); });
 }
 
 void ProjectCommands::run(const QString& text, std::function<bool(platform::Progression&)> work)
 {
     if (m_busy)
         return;
+    Q_EMIT projectClosing();
     m_busy = true;
     Q_EMIT busyChanged(true);
     m_runner.cancel(); // a sort or a copy is not worth waiting for

@@ -5,6 +5,7 @@
 #include "platform/ui/TaskRunner.h"
 
 #include <QObject>
+#include <functional>
 
 namespace platform {
 class Dialogues;
@@ -22,6 +23,8 @@ public:
                     RecentFiles& recent, QObject* parent = nullptr);
 
     bool isBusy() const { return m_busy; }
+    /// Asked before the project is closed or exchanged: about what is not saved; false when the user stays.
+    void setGuard(std::function<bool()> mayChange) { m_mayChange = std::move(mayChange); }
     void open();   ///< Asks for the file.
     void create(); ///< Asks for the name.
     void openPath(const QString& path);
@@ -31,17 +34,21 @@ public:
     static QString fileFilter();
 
 Q_SIGNALS:
+    /// The project that is open, if any, is about to be closed or exchanged; the user agreed.
+    void projectClosing();
     void busyChanged(bool busy);
     /// A project was opened, or the open one closed, or opened again.
     void projectChanged();
 
 private:
+    bool mayChange() const { return !m_busy && (!m_mayChange || m_mayChange()); }
     void run(const QString& text, std::function<bool(platform::Progression&)> work);
 
     Session& m_session;
     platform::TaskRunner& m_runner;
     platform::Dialogues& m_dialogues;
     RecentFiles& m_recent;
+    std::function<bool()> m_mayChange;
     bool m_busy = false;
 };
 

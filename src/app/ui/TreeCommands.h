@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QObject>
+#include <functional>
 
 namespace app {
 
@@ -15,6 +16,11 @@ class TreeCommands : public QObject {
 public:
     explicit TreeCommands(QObject* parent = nullptr);
 
+    /// Serves a command: `run` is handed the node; `possible` (empty: always) says whether it may be run on it.
+    void provide(const QString& name, std::function<void(const TreeNode&)> run,
+                 std::function<bool(const TreeNode&)> possible = {});
+    /// What is possible may have changed, the node has not.
+    void refresh();
     /// Takes over the node: texts, and what is possible.
     void choose(const TreeNode* node, NodeKind kind);
     /// The commands that belong to the kind of the node chosen, for a context menu.
@@ -23,23 +29,20 @@ public:
     /// What Return or a double click does; false when there is nothing.
     bool runDefault();
 
-Q_SIGNALS:
-    void openRecords(const QString& key); ///< A module or a reference list.
-    void emptySelection(const QString& module);
-
 private:
     struct Command {
         QAction* action = nullptr;
         QString text; ///< With its mnemonic; one that ends with a blank is followed by the node's name.
         QList<NodeKind> kinds;
+        std::function<void(const TreeNode&)> run = {};
+        std::function<bool(const TreeNode&)> possible = {};
     };
-    QAction* add(const QString& name, const QString& icon, const QString& text, const QList<NodeKind>& kinds);
+    void add(const QString& name, const QString& icon, const QString& text, const QList<NodeKind>& kinds);
+    bool fits(const Command& command) const;
 
     QList<Command> m_commands;
     QList<QAction*> m_all;
-    QAction* m_openModule = nullptr;
-    QAction* m_emptySelection = nullptr;
-    QString m_key;
+    TreeNode m_node; ///< Without its children.
     NodeKind m_kind = NodeKind::None;
 };
 

@@ -32,9 +32,8 @@ public:
     WindowState& state() const { return m_state; }
     Documents& documents() const { return m_documents; }
     QWidget& window() const { return m_window; }
-    /// Shows forms over the active window.
-    editing::FormDialogue& form() const { return *m_form; }
-    void setForm(editing::FormDialogue& form) { m_form = &form; }
+    /// Shows forms over the active window (Session::setForm).
+    editing::FormDialogue& form() const;
 
     // --- Asked by anybody, answered by one desk ---
     /// Opens the record editor on a level path (editing::IndividualEditing::levelPath, newRecordPath).
@@ -75,7 +74,6 @@ private:
     WindowState& m_state;
     Documents& m_documents;
     QWidget& m_window;
-    editing::FormDialogue* m_form = nullptr;
 };
 
 } // namespace app

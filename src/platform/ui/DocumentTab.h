@@ -28,7 +28,9 @@ public:
     /// Records of these modules or reference tables were written elsewhere (empty: of any); what is shown is brought
     /// up to date, the selection stays.
     virtual void recordsWritten(const QStringList& modules) { Q_UNUSED(modules) }
-    /// The file was exchanged under the same name; what reads from it begins anew.
+    /// True for a tab that stays while the file is exchanged under the same name (projectReopened begins anew); the
+    /// others are closed before.
+    virtual bool survivesReopening() const { return false; }
     virtual void projectReopened() {}
 
 Q_SIGNALS:

@@ -140,7 +140,7 @@ TEST_F(Window, OptimisesAndShowsTheOpenTabsAgain)
     settle();
     EXPECT_TRUE(QFileInfo::exists(path(u"projet.hbx.bak"_s)));
     EXPECT_EQ(steps.first(), (QVariantList{u"Vérification des Liens courant"_s, 5}));
-    ASSERT_EQ(window().documents().current(), grid);
+    ASSERT_EQ(window().documents().currentGrid(), grid);
     EXPECT_EQ(shown(*grid, {u"Numéro"_s}), (QStringList{u"EA 12"_s, u"ZM 3"_s, u"sans nom"_s}));
     trigger(u"refresh"_s);
     EXPECT_EQ(grid->model().rowCount(), 3);
@@ -185,8 +185,8 @@ TEST_F(Window, TheStartPageLeadsOn)
     settle();
     widget<QAbstractButton>(u"start-Déterminations"_s)->click();
     settle();
-    ASSERT_TRUE(window().documents().current());
-    EXPECT_EQ(window().documents().current()->source().key, u"Déterminations"_s);
+    ASSERT_TRUE(window().documents().currentGrid());
+    EXPECT_EQ(window().documents().currentGrid()->source().key, u"Déterminations"_s);
     stop();
     start();
     widget<QAbstractButton>(u"startRecent1"_s)->click();

@@ -115,7 +115,7 @@ TEST_F(Tree, ReturnOpensRecordsOnceAndFoldsGroups)
     openRecords(u"Lstaxons"_s);
     openRecords(u"Images"_s);
     EXPECT_EQ(window().documents().grids().size(), 2);
-    EXPECT_EQ(window().documents().current()->source().key, u"Images"_s);
+    EXPECT_EQ(window().documents().currentGrid()->source().key, u"Images"_s);
     openRecords(u"Sélections"_s);
     EXPECT_EQ(window().documents().grids().size(), 2);
     EXPECT_FALSE(widget<QTreeView>(u"moduleTree"_s)->isExpanded(window().dock().model().indexOf(u"Sélections"_s)));

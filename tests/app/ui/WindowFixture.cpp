@@ -120,7 +120,7 @@ app::GridTab* WindowTest::openRecords(const QString& key)
     tree->setCurrentIndex(index);
     QTest::keyClick(tree, Qt::Key_Return);
     settle();
-    return window().documents().current();
+    return window().documents().currentGrid();
 }
 
 int WindowTest::columnOf(app::GridTab& grid, const QString& header)
