@@ -69,10 +69,8 @@ void RecordEditorWindow::arrange()
         m_tabs->addTab(page, text);
     };
     tab(m_stack, u"Item"_s, u"Champs"_s);
-    tab(new QWidget(this), u"Viewer"_s, u"Image"_s);
     tab(new QWidget(this), u"Object"_s, u"Objet"_s);
-    for (const int unavailable : {1, 2})
-        m_tabs->setTabEnabled(unavailable, false);
+    makePictureTab();
     m_splitter->setObjectName(u"volets"_s);
     m_splitter->addWidget(m_tree);
     m_splitter->addWidget(m_tabs);
@@ -351,6 +349,7 @@ void RecordEditorWindow::updateState()
     a.osuiv->setEnabled(m_editing.canGoOther(1));
     a.list->setEnabled(!m_editing.listText().isEmpty());
     m_place->setText(m_editing.listText());
+    showPictures();
     const QString what = root ? m_editing.nodeCaption(*m_editing.node(root->key)) : m_editing.caption();
     setWindowTitle(what + u"[*]"_s + (m_around.project.isEmpty() ? QString() : u" - "_s + m_around.project));
     setWindowModified(toSave);

@@ -5,6 +5,7 @@
 #include "editing/ui/EditTreeView.h"
 #include "editing/ui/EditorActions.h"
 #include "editing/ui/FormPane.h"
+#include "editing/ui/PicturePane.h"
 
 #include <QLabel>
 #include <QMainWindow>
@@ -29,6 +30,8 @@ struct EditorSurroundings {
     /// What windows remember from one start to the next; may be empty.
     std::function<QVariant(const QString& key)> remembered = {};
     std::function<void(const QString& key, const QVariant&)> remember = {};
+    /// Makes the pane of the tab "Viewer"; empty: the tab is hidden.
+    std::function<PicturePane*(QWidget* owner)> makePictures = {};
 };
 
 class RecordEditorWindow : public QMainWindow {
@@ -75,6 +78,9 @@ private:
     void setMode(QAction* mode);
     void restorePlaces();
     void savePlaces();
+    void makePictureTab();
+    PicturedRecord pictured() const;
+    void showPictures();
 
     IndividualEditing& m_editing;
     EditorSurroundings m_around;
@@ -88,6 +94,8 @@ private:
     QSplitter* m_splitter;
     QLabel* m_place;
     DraftKeeper* m_draft;
+    PicturePane* m_pictures = nullptr; ///< Null where nobody shows pictures.
+    PicturedRecord m_seen;             ///< What it shows.
     QStringList m_shown; ///< Keys of the records whose forms are shown.
     bool m_typing = false;
     bool m_fromTree = false; ///< The user walks the tree: the focus stays there.
