@@ -213,6 +213,37 @@ QString PropertyStore::askName(const PropertyDraft& draft, platform::Dialogues& 
     }
 }
 
+QString PropertyStore::rename(int id, platform::Dialogues& dialogues)
+{
+    return trapped(dialogues, QString(), [&] {
+        const auto rows = openStore(m_database, u"PrimaryKey"_s);
+        rows->Seek(u"="_s, {id});
+        if (rows->NoMatch())
+            return QString();
+        const PropertyObject before = objectAt(*rows);
+        QString prompt = u"Indiquez le nouveau nom de la propriété '"_s + before.kind + u'\'';
+        QString name = before.name;
+        do {
+            name = trimmed(dialogues.input(u"Renommer - "_s + before.kind, prompt, name).value_or(QString()));
+            prompt = u"Nom déja existant ! Indiquez un nom unique pour la propriété"
+                     " du Module "_s
+                     + before.module;
+        } while (!name.isEmpty() && !same(name, before.name)
+                 && !value(before.kind, before.module, name).isNull());
+        if (name.isEmpty() || name == before.name)
+            return QString();
+        rows->Edit();
+        rows->SetValue(u"Nom", name);
+        rows->SetValue(u"DateModify", platform::stamp(m_clock));
+        rows->Update();
+        const PropertyObject after = objectAt(*rows);
+        rows->Close();
+        announce(&PropertyObserver::objectRemoved, before);
+        announce(&PropertyObserver::objectAdded, after);
+        return name;
+    });
+}
+
 bool PropertyStore::remove(int id, platform::Dialogues& dialogues)
 {
     return trapped(dialogues, false, [&] {

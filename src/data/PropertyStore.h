@@ -59,6 +59,10 @@ public:
     /// Asks, then deletes the object. False when the user said no, there is none or it failed (which is said).
     bool remove(int id, platform::Dialogues& dialogues);
 
+    /// Asks for another name of the object until it is unique. Gives it; empty when the user gave up, there is no such
+    /// object or it failed (which is said).
+    QString rename(int id, platform::Dialogues& dialogues);
+
     /// Objects of the kinds ("Requête,Base,Modèle", or "*" for all), of one module or (empty) of all, by name.
     QList<PropertyObject> list(const QString& kinds, const QString& module = {}) const;
     /// The text of an object; Null when there is none.

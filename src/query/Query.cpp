@@ -29,7 +29,7 @@ Query::Query(Structure& structure, QueryWorld world)
 
 QString Query::title() const
 {
-    return u"Requête < "_s + m_name + u" >"_s;
+    return (isBase() ? u"Base < "_s : u"Requête < "_s) + m_name + u" >"_s;
 }
 
 void Query::changed()
@@ -55,6 +55,7 @@ void Query::setNomModule(const QString& module)
         m_structure.setNomModule(module);
     QueryDefinition empty;
     empty.module = module;
+    m_kind = data::kindRequête;
     take(empty, newQuery, 0);
 }
 
@@ -84,16 +85,61 @@ void Query::refreshStructure(const QList<data::ModuleRecord>& modules)
 bool Query::SaveQuery()
 {
     const int saved = m_world.store.save(
-        {m_id, data::kindRequête, m_definition.module, m_name, textOf(m_definition, m_structure)}, m_world.dialogues);
+        {m_id, m_kind, m_definition.module, m_name, textOf(m_definition, m_structure)}, m_world.dialogues);
     if (saved <= 0)
         return false;
     m_id = saved;
-    for (const data::PropertyObject& object : m_world.store.list(data::kindRequête, m_definition.module)) {
+    for (const data::PropertyObject& object : m_world.store.list(m_kind, m_definition.module)) {
         if (object.id == saved)
             m_name = object.name;
     }
     m_toSave = false;
+    Q_EMIT Query_Change(); // the name, and that nothing is left to save
     return true;
+}
+
+QString Query::savedText() const
+{
+    return u"Enregistrement de la "_s + (isBase() ? u"Base"_s : u"Requête"_s);
+}
+
+bool Query::rename()
+{
+    const QString name = m_id > 0 ? m_world.store.rename(m_id, m_world.dialogues) : QString();
+    if (name.isEmpty())
+        return false;
+    m_name = name;
+    Q_EMIT Query_Change();
+    return true;
+}
+
+void Query::restore(const QueryDefinition& definition)
+{
+    m_definition = definition;
+    changed();
+}
+
+void Query::LoadBase(const QString& name)
+{
+    for (const data::PropertyObject& object : m_world.store.list(data::kindBase, m_definition.module)) {
+        if (object.name.compare(name, Qt::CaseInsensitive) != 0)
+            continue;
+        m_kind = data::kindBase;
+        const QString text = m_world.store.value(object.kind, object.module, object.name).toString();
+        return take(definitionFrom(text, object.module, m_structure), object.name, object.id);
+    }
+    clear();
+    m_kind = data::kindBase;
+    QueryDefinition fields;
+    fields.module = m_definition.module;
+    take(fields, name, 0);
+    if (const Node* root = m_structure.root()) {
+        for (const auto& field : root->children) {
+            if (!field->isModule())
+                addColumn(m_structure.path(*field));
+        }
+    }
+    m_toSave = false;
 }
 
 bool Query::LoadRequête(const QString& name)
@@ -114,6 +160,7 @@ bool Query::LoadRequête(int id)
         const QVariant text = m_world.store.value(object.kind, object.module, object.name);
         if (m_structure.NomModule() != object.module)
             m_structure.setNomModule(object.module);
+        m_kind = data::kindRequête;
         take(definitionFrom(text.toString(), object.module, m_structure), object.name, id);
         return true;
     }
@@ -125,8 +172,10 @@ bool Query::mayClose()
 {
     if (!m_toSave)
         return true;
+    const QString changes = isBase() ? u"Voulez-vous enregistrez les modifications apportées à la structure de la base : '"_s
+                                     : u"Voulez-vous enregistrez les modifications apportées à la requête: '"_s;
     const platform::Answer answer = m_world.dialogues.ask(
-        {u"Voulez-vous enregistrez les modifications apportées à la requête: '"_s + m_name + u"' ?"_s, title(),
+        {changes + m_name + u"' ?"_s, title(),
          platform::BoxIcon::Question, platform::BoxButtons::YesNoCancel, platform::Answer::Yes});
     if (answer == platform::Answer::Yes)
         return SaveQuery();
@@ -196,29 +245,47 @@ QString Query::statisticsStatement(const QString& alias) const
     return trapped([&] { return builder().statisticsStatement(m_definition, alias); });
 }
 
+StatisticsPlan Query::statisticsPlan() const
+{
+    StatisticsPlan plan;
+    plan.rows = trapped([this] { return builder().statement(m_definition); });
+    for (const OutputColumn& column : m_definition.columns) {
+        const QString statement = column.path.isEmpty() || plan.rows.isEmpty() ? QString()
+                                                                               : statisticsStatement(column.alias);
+        if (statement.isEmpty())
+            continue;
+        plan.aliases << column.alias;
+        plan.statements << statement;
+    }
+    return plan;
+}
+
+QString countStatistics(jet::Database& database, const StatisticsPlan& plan, platform::Progression& progression)
+{
+    const auto count = [&database](const QString& statement) {
+        const auto rows = database.OpenRecordset(statement, jet::RecordsetType::Snapshot);
+        if (rows->EOF_())
+            return qint64(0);
+        rows->MoveLast();
+        return rows->RecordCount();
+    };
+    QStringList report{u"Nombre de valeurs uniques pour chaque champ"_s};
+    for (qsizetype i = 0; i < plan.statements.size(); ++i) {
+        progression.step(u"Calcul des statistiques"_s, int(100 * i / (plan.statements.size() + 1)));
+        if (progression.cancelled())
+            return {};
+        report << plan.aliases[i] + u" : "_s + QString::number(count(plan.statements[i]));
+    }
+    report << u"Nombre de lignes : "_s + QString::number(count(plan.rows));
+    progression.finish();
+    return report.join(u"\r\n"_s);
+}
+
 QString Query::statistics(platform::Progression& progression) const
 {
     return trapped([&]() -> QString {
-        const auto count = [this](const QString& statement) {
-            const auto rows = m_world.database.OpenRecordset(statement, jet::RecordsetType::Snapshot);
-            if (rows->EOF_())
-                return qint64(0);
-            rows->MoveLast();
-            return rows->RecordCount();
-        };
-        QStringList report{u"Nombre de valeurs uniques pour chaque champ"_s};
-        qsizetype done = 0;
-        for (const OutputColumn& column : m_definition.columns) {
-            progression.step(u"Calcul des statistiques"_s, int(100 * done++ / m_definition.columns.size()));
-            if (progression.cancelled())
-                return {};
-            if (!column.path.isEmpty())
-                report << column.alias + u" : "_s
-                              + QString::number(count(builder().statisticsStatement(m_definition, column.alias)));
-        }
-        report << u"Nombre de lignes : "_s + QString::number(count(builder().statement(m_definition)));
-        progression.finish();
-        return report.join(u"\r\n"_s);
+        const StatisticsPlan plan = statisticsPlan();
+        return plan.rows.isEmpty() ? QString() : countStatistics(m_world.database, plan, progression);
     });
 }
 

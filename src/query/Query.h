@@ -21,6 +21,16 @@ struct QueryWorld {
 
 inline const QString newQuery = QStringLiteral("Nouvelle Requête");
 
+/// The statements whose rows the statistics count.
+struct StatisticsPlan {
+    QStringList aliases; ///< Of the output columns.
+    QStringList statements;
+    QString rows; ///< The query itself.
+};
+
+/// Counts; empty when the user stopped it. Throws jet::Error.
+QString countStatistics(jet::Database& database, const StatisticsPlan& plan, platform::Progression& progression);
+
 /// The query of one window. Changes raise Query_Change and set ToSave. Errors are trapped: an empty text, -1, false.
 class Query : public QuerySignals {
 public:
@@ -34,7 +44,8 @@ public:
     QString ModeRun() const { return m_definition.mode; }
     void setModeRun(const QString& mode);
     bool ToSave() const { return m_toSave; }
-    QString title() const; ///< "Requête < name >"
+    bool isBase() const { return m_kind == data::kindBase; } ///< Shows the structure of the project.
+    QString title() const; ///< "Requête < name >", "Base < name >"
     const QueryDefinition& definition() const { return m_definition; }
     Structure& structure() const { return m_structure; }
 
@@ -44,6 +55,14 @@ public:
     bool LoadRequête(const QString& name);
     bool LoadRequête(int id);
     void clear(); ///< A new query on the same root.
+    /// Shows the structure of the open project: as it was saved under that name, or every field of the root.
+    void LoadBase(const QString& name);
+    /// Asks for a new name and gives it to the stored query.
+    bool rename();
+    /// What saving is announced with.
+    QString savedText() const;
+    /// Takes back an earlier state of columns and criteria; the name stays.
+    void restore(const QueryDefinition& definition);
     /// Asks whether a changed query is to be saved. True when the window may close.
     bool mayClose();
     /// Resolves the fields again after the structure was changed.
@@ -79,6 +98,8 @@ public:
     /// "add", "addchild", "addbrother", "delete", "up", "down" on a row; gives the row concerned. A new row is on the
     /// field of that path.
     qsizetype command(const QString& key, qsizetype row, const QString& path = {});
+    /// "ou vide": adds a row of its own beneath this one, by which records without a value match too.
+    qsizetype addOrEmpty(qsizetype row);
     /// Rows in the text form of the grid, on the top level; gives how many.
     qsizetype insertText(const QString& text);
     /// One criterion for each of these terms, any of which may hold.
@@ -118,6 +139,8 @@ public:
     QString mapStatement() const;
     QString pictureStatement() const;
     QString statisticsStatement(const QString& alias) const;
+    /// What the statistics count; empty when the query cannot be built.
+    StatisticsPlan statisticsPlan() const;
     /// The report of the statistics: heading, one line a column, number of rows.
     QString statistics(platform::Progression& progression) const;
     QList<RowError> errors() const { return builder().check(m_definition); }
@@ -138,6 +161,7 @@ private:
     Structure& m_structure;
     QueryWorld m_world;
     QueryDefinition m_definition;
+    QString m_kind = data::kindRequête;
     QString m_name = newQuery;
     int m_id = 0;
     bool m_toSave = false;

@@ -185,6 +185,17 @@ qsizetype Query::command(const QString& key, qsizetype row, const QString& path)
     return at;
 }
 
+qsizetype Query::addOrEmpty(qsizetype row)
+{
+    if (row < 0 || row >= m_definition.criteria.count() || m_definition.criteria.at(row).path.isEmpty())
+        return row;
+    const Criterion& own = m_definition.criteria.at(row);
+    const qsizetype at = m_definition.criteria.addChild(
+        row, {.link = linkOr, .path = own.path, .op = u"IS"_s, .value = {}, .permanent = own.permanent});
+    changed();
+    return at;
+}
+
 /// Puts the rows into a group where one of them is linked by OU, so that what is added holds for them all.
 void Query::closeOff()
 {

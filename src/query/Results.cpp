@@ -1,12 +1,12 @@
 #include "query/Results.h"
 
+#include "jet/SqlText.h"
 #include "jet/text/Values.h"
-#include "query/CsvExport.h"
+#include "platform/CsvExport.h"
 
 #include <QElapsedTimer>
 #include <QLocale>
 #include <QLoggingCategory>
-#include <QSet>
 
 namespace query {
 
@@ -16,10 +16,14 @@ namespace {
 
 Q_LOGGING_CATEGORY(log, "herbora.query")
 
-constexpr qint64 pieceSize = 200;    ///< Rows read at once for display.
+constexpr qint64 pieceSize = 64;     ///< Rows read at once for display.
+constexpr int piecesKept = 256;
+constexpr int wholeLook = 1000000000;
+constexpr int stoppedByUser = 3059;
 constexpr qint64 exportPiece = 1000; ///< The same for a file.
 constexpr int columnIndividu = 0;
 constexpr int columnItem = 1;
+const QString exportTitle = u"Exportation CSV"_s;
 
 } // namespace
 
@@ -40,43 +44,39 @@ QString cellText(const QVariant& value, const QString& format)
     return value.toString();
 }
 
+Results::Results(jet::Database& database) : m_database(database), m_pieces(piecesKept) {}
+
 void Results::clear()
 {
     m_rows.reset();
     m_columns.clear();
     m_shown.clear();
-    m_cache.clear();
-    m_selected.clear();
+    m_pieces.clear();
+    m_items.clear();
+    m_marked.clear();
+    m_wanted.clear();
     m_error.reset();
-    m_count = 0;
+    m_selected = 0;
     m_page = 0;
     m_seconds = 0;
+    m_complete = true;
 }
 
-bool Results::Refresh(const QString& statement)
+bool Results::open(const QString& statement)
 {
-    const QList<qint32> ids = selectedIds();
     QElapsedTimer timer;
     timer.start();
     clear();
     m_statement = statement;
     try {
         m_rows = m_database.OpenRecordset(statement);
-        m_columns = SQLHeader(statement);
-        if (m_columns.size() != m_rows->FieldCount()) // "*", for instance
-            m_columns = QList<StatementColumn>(m_rows->FieldCount());
-        for (int i = 0; i < m_columns.size(); ++i) {
-            if (m_columns[i].alias.isEmpty())
-                m_columns[i].alias = m_rows->FieldAt(i).name;
-            m_shown << i;
-        }
-        if (!m_rows->EOF_()) {
-            m_rows->MoveLast();
-            m_count = m_rows->RecordCount();
-            m_rows->MoveFirst();
-        }
+        readHeader();
         findIdentifiers();
-        RefreshSelectedItems(ids);
+        m_complete = m_rows->EOF_();
+        if (!m_complete) { // the first row is there, and only it: a further one may be a long way off
+            m_items.push_back(currentItem());
+            m_marked.push_back(false);
+        }
     } catch (const jet::Error& error) {
         qCWarning(log).noquote() << error.description();
         clear();
@@ -84,6 +84,71 @@ bool Results::Refresh(const QString& statement)
     }
     m_seconds = double(timer.elapsed()) / 1000;
     return !m_error;
+}
+
+void Results::readHeader()
+{
+    m_columns = SQLHeader(m_statement);
+    if (m_columns.size() != m_rows->FieldCount()) // "*", for instance
+        m_columns = QList<StatementColumn>(m_rows->FieldCount());
+    for (int i = 0; i < m_columns.size(); ++i) {
+        if (m_columns[i].alias.isEmpty())
+            m_columns[i].alias = m_rows->FieldAt(i).name;
+        m_shown << i;
+    }
+}
+
+Results::Found Results::look(int milliseconds)
+{
+    Found found{.items = {}, .complete = m_complete || !m_rows, .error = {}};
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        if (!found.complete)
+            m_rows->SetAbsolutePosition(CountRow() - 1);
+        while (!found.complete && timer.elapsed() < milliseconds) {
+            m_rows->MoveNext();
+            found.complete = m_rows->EOF_();
+            if (!found.complete)
+                found.items.push_back(currentItem());
+        }
+    } catch (const jet::Error& error) {
+        qCInfo(log).noquote() << error.description();
+        found.error = error;
+    }
+    m_looked += double(timer.elapsed()) / 1000;
+    return found;
+}
+
+void Results::take(Found found)
+{
+    for (const qint32 id : found.items) {
+        const bool marked = m_wanted.contains(id);
+        m_marked.push_back(marked);
+        m_selected += marked ? 1 : 0;
+    }
+    m_items.insert(m_items.end(), found.items.begin(), found.items.end());
+    m_complete = found.complete || found.error;
+    m_error = std::move(found.error);
+    m_seconds += std::exchange(m_looked, 0);
+    if (m_complete)
+        m_wanted.clear();
+}
+
+bool Results::Refresh(const QString& statement)
+{
+    const QList<qint32> ids = selectedIds();
+    if (!open(statement))
+        return false;
+    RefreshSelectedItems(ids);
+    while (!m_complete)
+        take(look(wholeLook));
+    if (!m_error)
+        return true;
+    const jet::Error error = *m_error;
+    clear();
+    m_error = error;
+    return false;
 }
 
 QString Results::NomModule() const
@@ -127,9 +192,14 @@ bool Results::ColSort(int col, bool descending)
     return done;
 }
 
+jet::DataType Results::type(int col) const
+{
+    return m_rows && col >= 0 && col < Cols() ? m_rows->FieldAt(m_shown[col]).type : jet::DataType::None;
+}
+
 qint64 Results::rowsOnPage() const
 {
-    return std::clamp<qint64>(m_count - firstRow(), 0, pageSize);
+    return std::clamp<qint64>(CountRow() - firstRow(), 0, pageSize);
 }
 
 bool Results::enabled(const QString& key) const
@@ -153,29 +223,84 @@ void Results::command(const QString& key)
         m_page = pageCount() - 1;
 }
 
+void Results::showPageOf(qint64 row)
+{
+    if (row >= 0 && row < CountRow())
+        m_page = row / pageSize;
+}
+
+// --- Cells -----------------------------------------------------------------------------------
+
+/// Rows from `begin` to before `end`, which are known. Reading never goes a step further than that: the next row may
+/// be a long way off. Throws jet::Error.
+Results::Piece Results::read(qint64 begin, qint64 end)
+{
+    m_rows->SetAbsolutePosition(begin);
+    Piece piece = m_rows->GetRows(end - begin - 1);
+    Row& last = piece.emplace_back(size_t(m_rows->FieldCount()));
+    for (int column = 0; column < m_rows->FieldCount(); ++column)
+        last[size_t(column)] = m_rows->Value(column);
+    return piece;
+}
+
+const Results::Row* Results::cached(qint64 number) const
+{
+    const Piece* piece = m_pieces.object(number / pieceSize);
+    const size_t place = size_t(number % pieceSize);
+    return piece && place < piece->size() ? &piece->at(place) : nullptr;
+}
+
 /// Throws jet::Error.
 const Results::Row& Results::row(qint64 number)
 {
-    if (number < m_cacheBegin || number >= m_cacheBegin + qint64(m_cache.size())) {
-        m_cacheBegin = number - number % pieceSize;
-        m_cache.clear();
-        m_rows->SetAbsolutePosition(m_cacheBegin);
-        m_cache = m_rows->GetRows(pieceSize);
+    if (const Row* known = cached(number))
+        return *known;
+    const qint64 begin = number - number % pieceSize;
+    const qint64 end = std::min(begin + pieceSize, CountRow());
+    auto piece = std::make_unique<Piece>();
+    try {
+        *piece = read(begin, end);
+    } catch (const jet::Error& error) { // one of them was deleted meanwhile: the others stay readable
+        qCInfo(log).noquote() << error.description();
+        piece->clear();
+        for (qint64 at = begin; at < end; ++at)
+            piece->push_back(lone(at));
     }
-    return m_cache.at(size_t(number - m_cacheBegin));
+    m_pieces.insert(number / pieceSize, piece.release());
+    return *cached(number);
+}
+
+/// One row by itself; empty cells for a record that is no more.
+Results::Row Results::lone(qint64 number)
+{
+    try {
+        return read(number, number + 1).front();
+    } catch (const jet::Error& error) {
+        qCDebug(log).noquote() << number << error.description();
+        return Row(size_t(m_columns.size()));
+    }
 }
 
 QVariant Results::value(qint64 number, int col)
 {
-    if (!m_rows || number < 0 || number >= m_count || col < 0 || col >= Cols())
+    if (!m_rows || number < 0 || number >= CountRow() || col < 0 || col >= Cols())
         return {};
     try {
         return row(number).at(size_t(m_shown[col]));
-    } catch (const jet::Error& error) { // a record that was deleted meanwhile
+    } catch (const jet::Error& error) {
         qCWarning(log).noquote() << error.description();
-        m_cache.clear();
         return {};
     }
+}
+
+bool Results::isRead(qint64 number) const
+{
+    return number >= 0 && number < CountRow() && cached(number);
+}
+
+void Results::forgetValues()
+{
+    m_pieces.clear();
 }
 
 QString Results::text(const Row& row, int col) const
@@ -196,6 +321,8 @@ QStringList Results::rowTexts(qint64 number)
     return texts;
 }
 
+// --- Identifiers -----------------------------------------------------------------------------
+
 /// The record's identifier is the key of its row as a rule, and then known without reading it.
 void Results::findIdentifiers()
 {
@@ -210,117 +337,172 @@ void Results::findIdentifiers()
     m_one = individu.source == item.source && item.source >= 0 && jet::sameName(individu.column, item.column);
 }
 
-Results::Identity Results::identity(qint64 number)
+/// Of the row on which the record set stands.
+qint32 Results::currentItem() const
 {
-    m_rows->SetAbsolutePosition(number);
-    const qint32 item = m_keyed                             ? qint32(m_rows->RowId())
-                        : m_columns.size() > columnItem ? m_rows->Value(columnItem).toInt()
-                                                        : 0;
-    return {m_one ? item : m_rows->Value(columnIndividu).toInt(), item};
+    if (m_keyed)
+        return qint32(m_rows->RowId());
+    return m_columns.size() > columnItem ? m_rows->Value(columnItem).toInt() : 0;
 }
 
 qint32 Results::individu(qint64 number)
 {
-    return number >= 0 && number < m_count ? identity(number).individu : 0;
+    if (m_one || number < 0 || number >= CountRow())
+        return item(number);
+    try {
+        return row(number).front().toInt();
+    } catch (const jet::Error& error) {
+        qCWarning(log).noquote() << error.description();
+        return 0;
+    }
 }
 
-qint32 Results::item(qint64 number)
+qint32 Results::item(qint64 number) const
 {
-    return number >= 0 && number < m_count ? identity(number).item : 0;
+    return number >= 0 && number < CountRow() ? m_items[size_t(number)] : 0;
 }
+
+QList<qint32> Results::individus()
+{
+    QList<qint32> ids;
+    ids.reserve(CountRow());
+    for (qint64 number = 0; number < CountRow(); ++number)
+        ids << individu(number);
+    return ids;
+}
+
+qint64 Results::rowOf(qint32 id) const
+{
+    const auto found = std::find(m_items.begin(), m_items.end(), id);
+    return found == m_items.end() ? -1 : found - m_items.begin();
+}
+
+// --- Selection -------------------------------------------------------------------------------
 
 void Results::select(qint64 number, bool selected)
 {
-    if (number < 0 || number >= m_count)
+    if (number < 0 || number >= CountRow() || isSelected(number) == selected)
         return;
-    if (selected)
-        m_selected.insert_or_assign(number, identity(number));
-    else
-        m_selected.erase(number);
+    m_marked[size_t(number)] = selected;
+    m_selected += selected ? 1 : -1;
 }
 
 void Results::SelectAll()
 {
-    for (qint64 number = 0; number < m_count; ++number)
-        m_selected.try_emplace(m_selected.end(), number, identity(number));
+    m_marked.assign(m_items.size(), true);
+    m_selected = CountRow();
+}
+
+void Results::SelectNone()
+{
+    m_marked.assign(m_items.size(), false);
+    m_selected = 0;
+    m_wanted.clear();
 }
 
 void Results::SelectInverse()
 {
-    std::map<qint64, Identity> flipped;
-    for (qint64 number = 0; number < m_count; ++number) {
-        if (!isSelected(number))
-            flipped.emplace_hint(flipped.end(), number, identity(number));
+    m_marked.flip();
+    m_selected = CountRow() - m_selected;
+    m_wanted.clear();
+}
+
+QList<qint64> Results::selectedRows() const
+{
+    QList<qint64> rows;
+    rows.reserve(m_selected);
+    for (size_t number = 0; number < m_marked.size() && rows.size() < m_selected; ++number) {
+        if (m_marked[number])
+            rows << qint64(number);
     }
-    m_selected = std::move(flipped);
-}
-
-QString Results::SelectedItems() const
-{
-    QStringList ids;
-    for (const auto& [number, identity] : m_selected)
-        ids << QString::number(identity.item);
-    return ids.join(u',');
-}
-
-QString Results::SelectedIndividus() const
-{
-    QStringList ids;
-    for (const auto& [number, identity] : m_selected)
-        ids << QString::number(identity.individu);
-    return ids.join(u',');
+    return rows;
 }
 
 QList<qint32> Results::selectedIds() const
 {
     QList<qint32> ids;
-    for (const auto& [number, identity] : m_selected)
-        ids << identity.item;
+    for (const qint64 number : selectedRows())
+        ids << m_items[size_t(number)];
     return ids;
 }
 
+QList<qint32> Results::selectedIndividus()
+{
+    QList<qint32> ids;
+    for (const qint64 number : selectedRows())
+        ids << individu(number);
+    return ids;
+}
+
+QString Results::SelectedItems() const { return jet::liste(selectedIds()); }
+QString Results::SelectedIndividus() { return jet::liste(selectedIndividus()); }
+
 void Results::RefreshSelectedItems(const QList<qint32>& ids)
 {
-    m_selected.clear();
-    const QSet<qint32> wanted(ids.begin(), ids.end());
-    for (qint64 number = 0; !wanted.isEmpty() && number < m_count; ++number) {
-        const Identity found = identity(number);
-        if (wanted.contains(found.item))
-            m_selected.emplace_hint(m_selected.end(), number, found);
+    SelectNone();
+    m_wanted = QSet<qint32>(ids.begin(), ids.end());
+    for (qint64 number = 0; !m_wanted.isEmpty() && number < CountRow(); ++number) {
+        if (m_wanted.contains(m_items[size_t(number)]))
+            select(number, true);
     }
+    if (m_complete)
+        m_wanted.clear();
 }
 
 QString Results::copyRows()
 {
     QList<QStringList> rows;
-    for (const auto& [number, identity] : m_selected)
+    for (const qint64 number : selectedRows())
         rows << rowTexts(number);
-    return csvText(rows);
+    return platform::csvText(rows);
 }
 
 QString Results::textSelection() const { return u"Sel.  "_s + QString::number(CountSel()); }
 QString Results::textLine(qint64 line) { return u"Li. "_s + QString::number(line); }
-QString Results::textCount() const { return QString::number(m_count) + u" Ligne(s)"_s; }
 QString Results::textTime() const { return QLocale().toString(m_seconds, 'f', 2) + u's'; }
 
-bool Results::ExportCSV(platform::Dialogues& dialogues, const QString& file, bool mark)
+QString Results::textCount() const
+{
+    return QString::number(CountRow()) + (m_complete && !m_error ? u" Ligne(s)"_s : u"+ Ligne(s)"_s);
+}
+
+// --- Export ----------------------------------------------------------------------------------
+
+/// The rows from `number` on; false behind the last. Throws jet::Error.
+bool Results::nextPiece(Piece& piece, qint64& number, platform::Progression* progression)
+{
+    if (!m_rows || CountRow() == 0)
+        return false;
+    if (progression) {
+        if (progression->cancelled())
+            jet::fail(3059);
+        const bool known = m_complete && CountRow() > 0;
+        progression->step(exportTitle, known ? int(100 * number / CountRow()) : -1);
+    }
+    if (number > 0 && m_complete && !m_error && number >= CountRow())
+        return false;
+    m_rows->SetAbsolutePosition(number);
+    if (m_rows->EOF_())
+        return false;
+    piece = m_rows->GetRows(exportPiece);
+    number += qint64(piece.size());
+    return !piece.empty();
+}
+
+bool Results::ExportCSV(platform::Dialogues& dialogues, const QString& file, bool mark,
+                        platform::Progression* progression)
 {
     qint64 number = 0;
-    std::vector<Row> piece;
+    Piece piece;
     size_t at = 0;
     try {
-        return exportCsv(
+        return platform::exportCsv(
             dialogues, file, Header(),
             [&](QStringList& cells) {
                 if (at == piece.size()) {
-                    if (!m_rows || number >= m_count)
+                    if (!nextPiece(piece, number, progression))
                         return false;
-                    m_rows->SetAbsolutePosition(number);
-                    piece = m_rows->GetRows(exportPiece);
                     at = 0;
-                    if (piece.empty())
-                        return false;
-                    number += qint64(piece.size());
                 }
                 for (int col = 0; col < Cols(); ++col)
                     cells << text(piece[at], col);
@@ -329,7 +511,8 @@ bool Results::ExportCSV(platform::Dialogues& dialogues, const QString& file, boo
             },
             mark);
     } catch (const jet::Error& error) {
-        dialogues.tell(error.description(), u"Exportation CSV"_s, platform::BoxIcon::Stop);
+        if (error.number() != stoppedByUser)
+            dialogues.tell(error.description(), exportTitle, platform::BoxIcon::Stop);
         return false;
     }
 }

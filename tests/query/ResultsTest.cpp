@@ -1,5 +1,4 @@
 #include "QueryFixture.h"
-#include "query/CsvExport.h"
 #include "query/Results.h"
 
 #include <QFile>

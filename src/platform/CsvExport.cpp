@@ -1,8 +1,8 @@
-#include "query/CsvExport.h"
+#include "platform/CsvExport.h"
 
 #include "platform/ReplaceFile.h"
 
-namespace query {
+namespace platform {
 
 using namespace Qt::StringLiterals;
 
@@ -11,7 +11,7 @@ namespace {
 const QString lineEnd = u"\r\n"_s;
 constexpr qsizetype pieceSize = 1 << 18; ///< Bytes written at once.
 
-QString writeRows(platform::FileReplacement& out, const QStringList& header, const NextRow& next, bool mark)
+QString writeRows(FileReplacement& out, const QStringList& header, const NextRow& next, bool mark)
 {
     QByteArray piece;
     if (mark)
@@ -50,14 +50,14 @@ QString csvText(const QList<QStringList>& rows)
     return text;
 }
 
-bool exportCsv(platform::Dialogues& dialogues, QString file, const QStringList& header, const NextRow& next, bool mark)
+bool exportCsv(Dialogues& dialogues, QString file, const QStringList& header, const NextRow& next, bool mark)
 {
     const QString title = u"Exportation CSV"_s;
     if (file.isEmpty())
         file = dialogues.saveFile(title, u"Texte CSV (point-virgule, *.csv)|*.csv"_s);
     if (file.isEmpty())
         return false;
-    platform::FileReplacement out(file);
+    FileReplacement out(file);
     QString error = out.open();
     if (error.isEmpty())
         error = writeRows(out, header, next, mark);
@@ -68,8 +68,8 @@ bool exportCsv(platform::Dialogues& dialogues, QString file, const QStringList& 
     dialogues.tell(u"Impossible d'accéder au fichier. Vérifiez qu'il est bien présent et qu'il n'est ouvert par aucune "
                    "autre applications :\r"_s
                        + error,
-                   title, platform::BoxIcon::Stop);
+                   title, BoxIcon::Stop);
     return false;
 }
 
-} // namespace query
+} // namespace platform

@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <functional>
 
-namespace query {
+namespace platform {
 
 /// Cells in double quotes, separated by ";". Quotes inside a cell are written as they are: that is how these files have
 /// always been, and what reads them counts on it.
@@ -21,7 +21,7 @@ using NextRow = std::function<bool(QStringList& cells)>;
 /// Writes header and rows (UTF-8, with a byte order mark where `mark` says so) as a whole file or none. Without a name asks for
 /// one. False when the user cancelled or it failed, which is said in a box. Errors of `next` pass through and leave no
 /// file.
-bool exportCsv(platform::Dialogues& dialogues, QString file, const QStringList& header, const NextRow& next,
+bool exportCsv(Dialogues& dialogues, QString file, const QStringList& header, const NextRow& next,
                bool mark = false);
 
-} // namespace query
+} // namespace platform
