@@ -2,7 +2,7 @@
 # Installs the Debian packages that a group of targets needs, and says nothing
 # when all of them are there. docs/DEPENDENCIES.md gives the reason for each.
 #
-#   scripts/installer-paquets.sh base|run|test|bench|fuzz|format|tidy …
+#   scripts/installer-paquets.sh base|run|test|bench|fuzz|format|tidy|paquet|essai-paquet …
 #   scripts/installer-paquets.sh --liste GROUPE…     prints the names, one a line
 #
 # "a|b" is one need that either package meets (names differ between releases).
@@ -27,6 +27,8 @@ paquets_du_groupe() {
     fuzz) echo clang "libclang-rt-dev|libclang-rt-14-dev" llvm ;;
     format) echo clang-format git ;;
     tidy) echo clang-tidy git ;;
+    paquet) echo dpkg-dev file gzip git ;;
+    essai-paquet) echo desktop-file-utils appstream lintian debootstrap libxml2-utils man-db groff ;;
     *)
         echo "installer-paquets.sh : groupe inconnu : $1" >&2
         exit 2

@@ -59,6 +59,14 @@ QString programOf(const QString& exec)
     return text.trimmed();
 }
 
+/// The file behind a program's name: an installed entry names it without its folder, by way of a link.
+QString executableOf(const QString& program)
+{
+    const QString found = program.contains(u'/') ? program : QStandardPaths::findExecutable(program);
+    const QString canonical = QFileInfo(found).canonicalFilePath();
+    return canonical.isEmpty() ? program : canonical;
+}
+
 bool writeFile(const QString& path, const QString& content)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
@@ -112,7 +120,7 @@ QString DesktopFileAssociation::openCommand() const
     QString id = defaultApplication();
     if (id.isEmpty())
         id = desktopId; // without a choice of the user, the installed entry serves the type
-    return programOf(keyOf(entryFile(id), u"Desktop Entry"_s, u"Exec"_s));
+    return executableOf(programOf(keyOf(entryFile(id), u"Desktop Entry"_s, u"Exec"_s)));
 }
 
 bool DesktopFileAssociation::writeDefault() const
