@@ -33,10 +33,10 @@ echo "=== système neuf"
 mkdir -p "$racine"
 if [ ! -e "$racine/base.tar" ]; then
     "${en_root[@]}" rm -rf "$racine/systeme"
-    miroir=$(sed -nE 's/^(URIs: *|deb +(\[[^]]*\] *)?)(http[^ ]*).*/\3/p' \
-        /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null | grep -v security | head -n 1)
+    miroir=$(cat /etc/apt/sources.list /etc/apt/sources.list.d/* 2>/dev/null \
+        | sed -nE 's/^(URIs: *|deb +(\[[^]]*\] *)?)(http[^ ]*\/debian)\/?( .*)?$/\3/p' | sort -u | sed -n 1p || true)
     "${en_root[@]}" debootstrap --variant=minbase "$(. /etc/os-release && echo "$VERSION_CODENAME")" \
-        "$racine/systeme" "$miroir" >"$racine/debootstrap.log" 2>&1 || { tail "$racine/debootstrap.log" >&2; exit 1; }
+        "$racine/systeme" ${miroir:+"$miroir"} >"$racine/debootstrap.log" 2>&1 || { tail "$racine/debootstrap.log" >&2; exit 1; }
     "${en_root[@]}" tar -C "$racine/systeme" -cf "$racine/base.tar" .
 else
     mkdir -p "$racine/systeme"
