@@ -13,7 +13,7 @@ paquets_du_groupe() {
     base)
         echo g++ cmake ninja-build ccache mold \
             qt6-base-dev qt6-base-dev-tools "qt6-svg-dev|libqt6svg6-dev" \
-            libsqlite3-dev libexiv2-dev libgtest-dev
+            libsqlite3-dev libexiv2-dev libgif-dev libgtest-dev
         ;;
     run)
         echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n
@@ -21,7 +21,8 @@ paquets_du_groupe() {
         if [ -n "${WAYLAND_DISPLAY:-}" ]; then echo qt6-wayland; fi
         ;;
     test)
-        echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n sqlite3 file
+        echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n sqlite3 file \
+            gdal-bin gpsbabel libreoffice-calc libxml2-utils
         ;;
     bench) echo libbenchmark-dev ;;
     fuzz) echo clang "libclang-rt-dev|libclang-rt-14-dev" llvm ;;
