@@ -1,11 +1,12 @@
 #include "app/ui/Captures.h"
 
+#include "app/ui/Desk.h"
 #include "app/ui/Icons.h"
+#include "app/ui/Photographer.h"
 #include "app/ui/Program.h"
 
+#include <QApplication>
 #include <QDir>
-#include <QEventLoop>
-#include <QStyle>
 #include <QTextStream>
 
 namespace app {
@@ -52,75 +53,14 @@ QPalette darkPalette()
     return palette;
 }
 
-class Photographer {
-public:
-    Photographer(Program& program, const QString& folder) : m_program(program), m_folder(folder) {}
-
-    /// Lets the window work until nothing runs and every row is known.
-    void settle()
-    {
-        QEventLoop loop;
-        QTimer look;
-        int quiet = 0; // one turn more lays out what changed last
-        QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-            bool still = m_program.runner().isRunning();
-            for (GridTab* grid : m_program.window().documents().grids())
-                still = still || grid->model().isLoading() || !grid->model().isComplete();
-            quiet = still ? 0 : quiet + 1;
-            if (quiet > 2)
-                loop.quit();
-        });
-        look.start(20);
-        loop.exec();
-    }
-
-    void take(const QString& name)
-    {
-        const QString path = m_folder + u'/' + name + m_suffix + u".png"_s;
-        const bool written = m_program.window().grab().save(path);
-        m_written = m_written && written;
-        if (written)
-            QTextStream(stdout) << QDir(path).absolutePath() << '\n';
-        else
-            QTextStream(stderr) << u"Impossible d'écrire "_s << path << '\n';
-    }
-
-    void open(const QString& key)
-    {
-        ModuleDock& dock = m_program.window().dock();
-        const QModelIndex index = dock.model().indexOf(key);
-        dock.view().setCurrentIndex(index);
-        dock.commands().runDefault();
-        settle();
-    }
-
-    void setPalette(const QPalette& palette, const QString& suffix)
-    {
-        QApplication::setPalette(palette);
-        followPalette();
-        m_suffix = suffix;
-        settle();
-    }
-
-    bool allWritten() const { return m_written; }
-
-private:
-    Program& m_program;
-    QString m_folder;
-    QString m_suffix;
-    bool m_written = true;
-};
-
 void photographTables(Photographer& photographer)
 {
     photographer.open(u"Individus"_s);
     photographer.take(u"individus"_s);
     photographer.open(u"Déterminations"_s);
     photographer.take(u"determinations"_s);
-    photographer.open(u"Lslocalités"_s);
-    photographer.take(u"localites"_s);
-    photographer.open(u"Lstaxons"_s);
-    photographer.take(u"taxons"_s);
+    for (const std::unique_ptr<Desk>& desk : photographer.program().window().desks())
+        desk->photograph(photographer);
 }
 
 /// The offscreen platform remarks on every window that it cannot tell a manager its sizes; nobody needs that.

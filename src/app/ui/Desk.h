@@ -8,6 +8,8 @@
 
 namespace app {
 
+class Photographer;
+
 /// A desk brings its commands into the menus and the tree, and opens its tabs and windows. The main window makes each
 /// once (MainWindow::makeDesks) and tells it what happens to the project.
 class Desk : public QObject {
@@ -30,6 +32,9 @@ public:
     virtual void projectClosing() {}
     /// The session works beside the windows (true): nothing may touch the project.
     virtual void showBusy(bool busy) { Q_UNUSED(busy) }
+    /// Shows the windows and tabs of the desk with the project that is open, and has each taken a picture of; called
+    /// once with light and once with dark colours. Windows of its own are closed again.
+    virtual void photograph(Photographer& photographer) { Q_UNUSED(photographer) }
 
 protected:
     Workplace& place() const { return m_place; }

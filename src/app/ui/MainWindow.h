@@ -28,6 +28,7 @@ public:
     ModuleDock& dock() { return *m_dock; }
     Documents& documents() { return *m_documents; }
     Workplace& place() { return *m_place; }
+    const std::vector<std::unique_ptr<Desk>>& desks() const { return m_desks; }
     platform::ProgressionBar& progression() { return *m_progression; }
 
 protected:
