@@ -11,6 +11,7 @@
 
 namespace editing {
 class FormDialogue;
+class ReferenceChooser;
 }
 
 namespace app {
@@ -34,6 +35,10 @@ public:
     QWidget& window() const { return m_window; }
     /// Shows forms over the active window (Session::setForm).
     editing::FormDialogue& form() const;
+    /// Opens the reference lists over a form; null as long as no desk serves it. Stays the same from one project to the
+    /// next.
+    editing::ReferenceChooser* chooser() const { return m_chooser; }
+    void setChooser(editing::ReferenceChooser* chooser) { m_chooser = chooser; }
 
     // --- Asked by anybody, answered by one desk ---
     /// Opens the record editor on a level path (editing::IndividualEditing::levelPath, newRecordPath).
@@ -74,6 +79,7 @@ private:
     WindowState& m_state;
     Documents& m_documents;
     QWidget& m_window;
+    editing::ReferenceChooser* m_chooser = nullptr;
 };
 
 } // namespace app

@@ -11,12 +11,14 @@
 namespace editing {
 
 class DescriptorLists;
+class ReferenceChooser;
 
 /// What controls work with. What is empty or null is done without.
 struct ControlWorld {
     /// Takes what the user typed or chose into the field.
     std::function<void(Cl_Edition&, const QVariant&)> take;
     const ReferenceSearch* search = nullptr; ///< Completes names.
+    ReferenceChooser* chooser = nullptr;     ///< Opens the trees and lists behind the names.
     DescriptorLists* lists = nullptr;        ///< Changes vocabularies.
     platform::Dialogues* dialogues = nullptr;
     /// In a few words, what a record holds that a link may lead to.

@@ -2,6 +2,7 @@
 
 #include "data/FieldType.h"
 #include "editing/Trapped.h"
+#include "editing/ui/ReferenceChooser.h"
 
 #include <QAbstractItemView>
 #include <QHBoxLayout>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr int idRole = Qt::UserRole;
 constexpr int nameRole = Qt::UserRole + 1;
+constexpr int addsNew = -1; ///< Stands for an identifier in the line that adds a name.
 
 QString hint(int type)
 {
@@ -38,7 +40,11 @@ ReferencePicker::ReferencePicker(Cl_Edition& parent, const ControlWorld& world, 
     layout->addWidget(m_line);
     watch(m_line);
     m_line->setPlaceholderText(hint(parent.ctype()));
-    m_line->addAction(QIcon::fromTheme(u"edit-find"_s), QLineEdit::TrailingPosition)->setObjectName(u"loupe"_s);
+    QAction* glass = m_line->addAction(QIcon::fromTheme(u"edit-find"_s), QLineEdit::TrailingPosition);
+    glass->setObjectName(u"loupe"_s);
+    if (world.chooser)
+        glass->setToolTip(u"Choisir dans la liste (F3)"_s);
+    connect(glass, &QAction::triggered, this, &ReferencePicker::openChooser);
     // While the list is open, keys come from the list and no filter sees them.
     m_line->onKey = [this](QKeyEvent* event) {
         const bool listed = m_completer->popup()->isVisible();
@@ -96,16 +102,24 @@ void ReferencePicker::showMatches(const QString& text)
         item->setData(match.name, nameRole);
         m_matches->appendRow(item);
     }
-    if (found.isEmpty())
+    if (world().chooser && m_pending) {
+        auto* item = new QStandardItem(QIcon::fromTheme(u"list-add"_s), u"Ajouter « "_s + text.trimmed() + u" »…"_s);
+        item->setData(addsNew, idRole);
+        m_matches->appendRow(item);
+    }
+    if (m_matches->rowCount() == 0)
         return m_completer->popup()->hide();
     m_completer->complete();
-    m_completer->popup()->setCurrentIndex(m_completer->completionModel()->index(0, 0));
+    // Nothing is added by a Return that was meant for the next field.
+    m_completer->popup()->setCurrentIndex(found.isEmpty() ? QModelIndex() : m_completer->completionModel()->index(0, 0));
 }
 
 void ReferencePicker::choose(const QModelIndex& index)
 {
     if (!index.isValid() || !ClParent())
         return;
+    if (index.data(idRole).toInt() == addsNew)
+        return addTyped();
     m_pending = false;
     edit(index.data(idRole).toInt());
     Refresh();
@@ -118,10 +132,12 @@ void ReferencePicker::finish()
         return;
     QAbstractItemView* list = m_completer->popup();
     if (list->isVisible()) {
-        const QModelIndex chosen = list->currentIndex();
+        const QModelIndex first = m_completer->completionModel()->index(0, 0);
+        const QModelIndex chosen = list->currentIndex().isValid() ? list->currentIndex() : first;
+        const bool byHand = list->currentIndex().isValid() || chosen.data(idRole).toInt() != addsNew;
         list->hide();
-        choose(chosen.isValid() ? chosen : m_completer->completionModel()->index(0, 0));
-        return;
+        if (byHand)
+            return choose(chosen);
     }
     if (!world().search || !ClParent())
         return;
@@ -135,6 +151,39 @@ void ReferencePicker::finish()
         return; // stays as typed, with its error
     m_pending = false;
     edit(whole == found.end() ? found.first().id : whole->id);
+    Refresh();
+}
+
+bool ReferencePicker::handleKey(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_F3 || !world().chooser)
+        return FieldControl::handleKey(event);
+    m_completer->popup()->hide();
+    openChooser();
+    return true;
+}
+
+void ReferencePicker::openChooser()
+{
+    if (!world().chooser || !ClParent() || m_line->isReadOnly())
+        return openList();
+    const qint32 now = m_pending ? 0 : ClParent()->value().toInt();
+    takeChosen(world().chooser->choose(ClParent()->ctype(), now, m_pending ? m_line->text().trimmed() : QString(), window()));
+}
+
+void ReferencePicker::addTyped()
+{
+    if (world().chooser && ClParent())
+        takeChosen(world().chooser->add(ClParent()->ctype(), m_line->text().trimmed(), window()));
+}
+
+void ReferencePicker::takeChosen(std::optional<qint32> id)
+{
+    m_line->setFocus(Qt::OtherFocusReason);
+    if (!id || *id <= 0 || !ClParent())
+        return;
+    m_pending = false;
+    edit(*id);
     Refresh();
 }
 

@@ -10,7 +10,8 @@
 namespace editing {
 
 /// "Phylar.Botaniste", "Phylar.Localités", "Phylar.Taxons": completes the name from its table while one types. Return
-/// and Tab take the name that is highlighted; a name that is not in the table stays as typed and is an error.
+/// and Tab take the name that is highlighted; a name that is not in the table stays as typed and is an error. With a chooser
+/// F3 and the glass open the tree or list of the names, and the last line below the names found adds the one typed.
 class ReferencePicker : public FieldControl {
     Q_OBJECT
 public:
@@ -24,8 +25,12 @@ public:
 
 private:
     void typed(const QString& text);
+    bool handleKey(QKeyEvent* event) override;
     void showMatches(const QString& text);
     void choose(const QModelIndex& index);
+    void openChooser();
+    void addTyped();
+    void takeChosen(std::optional<qint32> id);
 
     EntryLine* m_line;
     QCompleter* m_completer;
