@@ -18,6 +18,8 @@ MainActions::MainActions(QObject* parent) : QObject(parent)
     makeGridActions();
     makeViewActions();
     makeToolActions();
+    manual = add(u"manual"_s, u"help-contents"_s, u"&Manuel"_s, u"Ouvrir le manuel à la page qui convient"_s, u"F1"_s);
+    manual->setShortcutContext(Qt::ApplicationShortcut);
     about = add(u"about"_s, u"help-about"_s, u"À &propos de Herbora"_s, u"La version du programme"_s);
     about->setMenuRole(QAction::AboutRole);
 }
@@ -142,7 +144,7 @@ QMenu* MainActions::install(QMainWindow& window, ModuleDock& dock) const
 
     addMenu(u"menuDonnees"_s, u"Do&nnées"_s);
     addMenu(u"menuOutils"_s, u"&Outils"_s)->addActions({modif, optimise});
-    addMenu(u"menuAide"_s, u"Aid&e"_s)->addAction(about);
+    addMenu(u"menuAide"_s, u"Aid&e"_s)->addActions({manual, about});
     return recent;
 }
 

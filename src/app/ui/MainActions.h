@@ -37,6 +37,7 @@ public:
     QAction* fullScreen;
     QAction* modif; ///< Hidden until a project was opened.
     QAction* optimise;
+    QAction* manual; ///< F1 in every window of the program.
     QAction* about;
 
     /// The commands that the tab shown carries out.

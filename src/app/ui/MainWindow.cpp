@@ -3,9 +3,12 @@
 #include "app/Session.h"
 #include "app/ui/AboutDialog.h"
 #include "app/ui/Desk.h"
+#include "app/ui/EditorDesk.h"
 #include "app/ui/Icons.h"
+#include "app/ui/ManualWindow.h"
 #include "app/ui/TreeObjects.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QMimeData>
@@ -82,6 +85,7 @@ void MainWindow::connectActions()
     on(m_actions->quit, [this] { close(); });
     on(m_actions->expandAll, [this] { m_dock->expandAll(); });
     on(m_actions->collapseAll, [this] { m_dock->collapseAll(); });
+    on(m_actions->manual, [this] { showManual(); });
     on(m_actions->about, [this] { (new AboutDialog(m_session.surroundings().version, this))->open(); });
     on(m_actions->fullScreen,
        [this] { setWindowState(windowState().setFlag(Qt::WindowFullScreen, m_actions->fullScreen->isChecked())); });
@@ -123,6 +127,7 @@ void MainWindow::serveTree()
 
 void MainWindow::makeDesks()
 {
+    m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
 }
@@ -213,6 +218,14 @@ void MainWindow::openRecords(const QString& key)
         m_documents->openRecords(key, m_dock->model().kind(index));
 }
 
+void MainWindow::showManual()
+{
+    const QString page = ManualWindow::pageFor(QApplication::focusWidget());
+    if (!m_manual)
+        m_manual = std::make_unique<ManualWindow>(m_session.surroundings().applicationFolder + u"/manuel"_s, m_state);
+    m_manual->showPage(page);
+}
+
 void MainWindow::emptySelection(const QString& module)
 {
     if (!m_dialogues.confirm(u"Vider la sélection flottante de son contenu ?"_s, u"Herbora"_s))
@@ -250,6 +263,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return;
     }
     saveState();
+    m_manual.reset();
     putAway();
     m_documents->closeAll();
     event->accept();

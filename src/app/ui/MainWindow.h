@@ -14,6 +14,7 @@
 namespace app {
 
 class Desk;
+class ManualWindow;
 class TreeObjects;
 class Workplace;
 
@@ -44,6 +45,7 @@ private:
     void showBusy(bool busy);
     void showCurrentTab();
     void makeDesks();
+    void showManual();
     void serveTree();
     bool mayClose();
     void putAway();
@@ -66,6 +68,7 @@ private:
     std::vector<std::unique_ptr<Desk>> m_desks;
     platform::ProgressionBar* m_progression;
     QLabel* m_count;
+    std::unique_ptr<ManualWindow> m_manual; ///< Made when it is first asked for.
     std::unique_ptr<TreeObjects> m_objects; ///< Of the project that is open.
     QString m_shownPath; ///< The project whose tabs are open.
     bool m_closeWhenIdle = false;
