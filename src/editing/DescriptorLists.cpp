@@ -6,6 +6,7 @@
 #include "jet/SqlText.h"
 
 #include <QLoggingCategory>
+#include <optional>
 
 namespace editing {
 
@@ -22,6 +23,31 @@ const QString marker = u";_@HBVARTEMP@_;"_s;
 const QString titleAdd = u"Ajout d'un descripteur"_s;
 const QString titleRename = u"Modification d'un descripteur"_s;
 const QString titleDelete = u"Suppression d'un descripteur"_s;
+
+constexpr int cancelledError = 3059;
+constexpr int stepEvery = 256;
+
+/// A rule of the table, and no trouble with the file.
+bool isRefusal(int number)
+{
+    static const QList<int> rules{3022, 3047, 3058, 3162, 3163, 3200, 3201, 3314, 3315, 3316, 3317, 3421};
+    return rules.contains(number);
+}
+
+/// While it lives, a statement of the database stops when the user wants that.
+class Stoppable {
+public:
+    Stoppable(jet::Database& database, const platform::Progression& progression) : m_database(database)
+    {
+        m_database.SetProgress([&progression] { return !progression.cancelled(); });
+    }
+    ~Stoppable() { m_database.SetProgress({}); }
+    Stoppable(const Stoppable&) = delete;
+    Stoppable& operator=(const Stoppable&) = delete;
+
+private:
+    jet::Database& m_database;
+};
 
 bool same(const QString& a, const QString& b)
 {
@@ -120,8 +146,7 @@ bool DescriptorLists::rename(const ListField& field, const QString& old)
                          titleRename, BoxIcon::Stop);
         return false;
     }
-    store(field, list.replace(marker, u';' + text + u';').split(u';', Qt::SkipEmptyParts));
-    return rewrite(field, old, text);
+    return apply({field, old, text, list.replace(marker, u';' + text + u';').split(u';', Qt::SkipEmptyParts), titleRename});
 }
 
 /// Records that hold the item among others; the two blanks before LIKE belong to the text.
@@ -178,8 +203,7 @@ bool DescriptorLists::remove(const ListField& field, const QString& item)
         return false;
     QStringList list = items(field);
     list.removeIf([&](const QString& other) { return same(other, item); });
-    store(field, list);
-    return rewrite(field, item, QVariant());
+    return apply({field, item, QVariant(), list, titleDelete});
 }
 
 bool DescriptorLists::move(const ListField& field, const QString& item, int by)
@@ -211,50 +235,95 @@ QStringList DescriptorLists::synchronise(const ListField& field)
     return list;
 }
 
-void DescriptorLists::rewriteSimple(const ListField& field, const QString& old, const QVariant& replacement)
+// --- Records -------------------------------------------------------------------------------------
+
+void DescriptorLists::rewriteSimple(const Change& change)
 {
-    const QString statement = u"UPDATE ["_s + field.module + u"]"_s
+    const QString& module = change.field.module;
+    const QString statement = u"UPDATE ["_s + module + u"]"_s
                               + u" SET [_Descripteur] = [_Item],"
                                 " [DateModify]="_s
                               + texte(NowStamp(m_clock)) + u" WHERE [_Descripteur]="_s;
-    const QString column = nom(field.module) + u'.' + nom(field.column);
+    const QString column = nom(module) + u'.' + nom(change.field.column);
+    const QVariant& item = change.replacement;
     m_database.Execute(QString(statement)
                            .replace(u"[_Descripteur]"_s, column)
-                           .replace(u"[_Item]"_s, replacement.isValid() ? texte(replacement.toString()) : u"Null"_s)
-                       + texte(old));
+                           .replace(u"[_Item]"_s, item.isValid() ? texte(item.toString()) : u"Null"_s)
+                       + texte(change.old));
 }
 
-void DescriptorLists::rewriteMultiple(const ListField& field, const QString& old, const QVariant& replacement)
+void DescriptorLists::rewriteMultiple(const Change& change, platform::Progression& progression)
 {
-    const auto rows = m_database.OpenRecordset(usersStatement(field, old));
-    const QString id = u"ID "_s + field.module;
-    for (; !rows->EOF_(); rows->MoveNext()) {
-        QStringList list = rows->Value(0).toString().split(u';');
+    const auto users = m_database.OpenRecordset(usersStatement(change.field, change.old));
+    if (users->EOF_())
+        return;
+    users->MoveLast();
+    const qint64 count = users->RecordCount();
+    const QString now = NowStamp(m_clock);
+    const auto records = m_database.OpenRecordset(change.field.module, jet::RecordsetType::Table);
+    records->SetIndex(u"PrimaryKey"_s);
+    qint64 done = 0;
+    for (users->MoveFirst(); !users->EOF_(); users->MoveNext()) {
+        if (done++ % stepEvery == 0)
+            progression.step(change.title, int(100 * done / count));
+        if (progression.cancelled())
+            jet::fail(cancelledError, change.title);
+        QStringList list = users->Value(0).toString().split(u';');
         for (QString& item : list) {
-            if (same(item.trimmed(), old))
-                item = replacement.toString();
+            if (same(item.trimmed(), change.old))
+                item = change.replacement.toString();
         }
         const QString text = normalized(list).join(u';');
-        m_database.Execute(u"UPDATE "_s + nom(field.module) + u" SET "_s + nom(field.column) + u"="_s
-                           + (text.isEmpty() ? u"Null"_s : texte(text)) + u", [DateModify]="_s
-                           + texte(NowStamp(m_clock)) + u" WHERE "_s + nom(id) + u"="_s
-                           + QString::number(rows->RowId()));
+        records->Seek(u"="_s, {users->RowId()});
+        records->Edit();
+        records->SetValue(change.field.column, text.isEmpty() ? QVariant() : QVariant(text));
+        records->SetValue(u"DateModify"_s, now);
+        records->Update();
     }
 }
 
-bool DescriptorLists::rewrite(const ListField& field, const QString& old, const QVariant& replacement)
+void DescriptorLists::rewriteRecords(const Change& change, platform::Progression& progression)
 {
+    jet::Operation operation(m_database, u"Mise à jour d'un descripteur"_s);
+    if (change.field.type == data::ListeMultiple)
+        rewriteMultiple(change, progression);
+    else
+        rewriteSimple(change);
+    operation.commit();
+}
+
+/// The list stays changed where only the records refused.
+void DescriptorLists::applyWhole(const Change& change, platform::Progression& progression)
+{
+    const Stoppable stoppable(m_database, progression);
+    std::optional<jet::Error> refused;
+    jet::Operation operation(m_database, change.title);
+    store(change.field, change.items);
+    progression.step(change.title, change.field.type == data::ListeMultiple ? 0 : -1);
     try {
-        jet::Operation operation(m_database, u"Mise à jour d'un descripteur"_s);
-        if (field.type == data::ListeMultiple)
-            rewriteMultiple(field, old, replacement);
-        else
-            rewriteSimple(field, old, replacement);
-        operation.commit();
+        rewriteRecords(change, progression);
+    } catch (const jet::Error& error) {
+        if (!isRefusal(error.number()))
+            throw;
+        refused = error;
+    }
+    operation.commit();
+    progression.finish();
+    if (refused)
+        throw *refused;
+}
+
+bool DescriptorLists::apply(const Change& change)
+{
+    const LongWork work = [&](platform::Progression& progression) { applyWhole(change, progression); };
+    try {
+        platform::NoProgression silent;
+        run ? run(change.title, work) : work(silent);
         return true;
     } catch (const jet::Error& error) {
-        qCWarning(listLog).noquote() << field.module << field.column << error.number() << error.description();
-        m_dialogues.tell(error.description(), titleRename, BoxIcon::Stop);
+        qCWarning(listLog).noquote() << change.field.module << change.field.column << error.number()
+                                     << error.description();
+        m_dialogues.tell(error.description(), change.title, BoxIcon::Stop);
         return false;
     }
 }

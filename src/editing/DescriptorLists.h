@@ -5,8 +5,14 @@
 #include "jet/Database.h"
 #include "platform/Clock.h"
 #include "platform/Dialogues.h"
+#include "platform/Progression.h"
+
+#include <functional>
 
 namespace editing {
+
+/// Work that may take long; it stops where the user wants that (3059).
+using LongWork = std::function<void(platform::Progression&)>;
 
 /// A list field.
 struct ListField {
@@ -18,8 +24,8 @@ struct ListField {
 };
 
 /// Reads and changes the descriptor list of a field. Renaming and deleting rewrite the records that use the
-/// descriptor. The list is stored first; when the rewriting then fails, the records are as before, the list stays
-/// changed, and the error is shown.
+/// descriptor, as one operation with the list. Where a rule of the table refuses the rewriting, the records are as
+/// before, the list stays changed, and the error is shown; after any other failure both are as before.
 class DescriptorLists {
 public:
     DescriptorLists(jet::Database& database, data::PropertyStore& store, const platform::Clock& clock,
@@ -38,14 +44,27 @@ public:
     /// Trimmed, without empty items and repetitions; the order stays.
     static QStringList normalized(const QStringList& items);
 
+    /// Runs work with its progress shown, and throws what it throws; empty: at once, without a word.
+    std::function<void(const QString& title, const LongWork& work)> run;
+
 private:
     void store(const ListField& field, const QStringList& items);
     QString usersStatement(const ListField& field, const QString& item) const;
     qint64 countUsers(const ListField& field, const QString& item) const;
     qint64 countExact(const ListField& field, const QString& item) const;
-    bool rewrite(const ListField& field, const QString& old, const QVariant& replacement);
-    void rewriteSimple(const ListField& field, const QString& old, const QVariant& replacement);
-    void rewriteMultiple(const ListField& field, const QString& old, const QVariant& replacement);
+    /// What becomes of an item: another text, or Null.
+    struct Change {
+        ListField field;
+        QString old;
+        QVariant replacement;
+        QStringList items; ///< The list afterwards.
+        QString title;
+    };
+    bool apply(const Change& change);
+    void applyWhole(const Change& change, platform::Progression& progression);
+    void rewriteRecords(const Change& change, platform::Progression& progression);
+    void rewriteSimple(const Change& change);
+    void rewriteMultiple(const Change& change, platform::Progression& progression);
 
     jet::Database& m_database;
     data::PropertyStore& m_store;

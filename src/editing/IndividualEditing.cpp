@@ -1,6 +1,6 @@
 #include "editing/IndividualEditingPrivate.h"
 
-#include "data/FieldType.h"
+#include "editing/RecordModels.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
 
@@ -15,6 +15,7 @@ namespace {
 
 const QString individus = data::moduleIndividus;
 const QString newItem = u"N"_s;
+const QString shownMark = u">"_s;
 /// Longer lists are offered without what their records hold, which would have to be read.
 constexpr qsizetype longestDescribedList = 300;
 
@@ -34,11 +35,11 @@ void IndividualEditing::tell(const QString& text, const QString& title) const
 
 // --- Paths ---------------------------------------------------------------------------------------
 
-QString IndividualEditing::levelPath(const QString& module, const QList<qint32>& ids)
+QString IndividualEditing::levelPath(const QString& module, const QList<qint32>& ids, qint32 shown)
 {
     QStringList items{module == individus ? u"1-"_s + individus : u"1-"_s + individus + u"\\2-"_s + module};
     for (const qint32 id : ids)
-        items << QString::number(id);
+        items << (id == shown && id != ids.first() ? shownMark : QString()) + QString::number(id);
     return items.join(u';');
 }
 
@@ -49,26 +50,31 @@ QString IndividualEditing::newRecordPath(const QString& module, qint32 individu)
     return u"1-"_s + individus + u';' + QString::number(individu) + u"\\2-"_s + module + u';' + newItem;
 }
 
-QList<IndividualEditing::ListKey> IndividualEditing::parsed(const QString& path, qint32* newUnder,
-                                                            QString* newModule) const
+IndividualEditing::Wanted IndividualEditing::parsed(const QString& path)
 {
-    QList<ListKey> keys;
+    Wanted wanted;
     if (!path.contains(u';') && !path.contains(u'\\')) { // the key of one record
-        const qint32 id = path.section(u'-', 0, 0).toInt();
-        return id > 0 ? QList<ListKey>{{path.section(u'-', 1), id}} : keys;
+        if (const qint32 id = path.section(u'-', 0, 0).toInt(); id > 0)
+            wanted.keys << ListKey{path.section(u'-', 1), id};
+        return wanted;
     }
     for (const QString& level : path.split(u'\\', Qt::SkipEmptyParts)) {
         const QStringList items = level.section(u'-', 1).split(u';');
-        *newUnder = keys.isEmpty() ? 0 : keys.first().id;
-        keys.clear();
+        wanted.newUnder = wanted.keys.isEmpty() ? 0 : wanted.keys.first().id;
+        wanted.keys.clear();
+        wanted.shown = 0;
         for (const QString& item : items.mid(1)) {
+            const bool marked = item.startsWith(shownMark);
+            const qint32 id = item.mid(marked ? shownMark.size() : 0).toInt();
+            if (marked)
+                wanted.shown = int(wanted.keys.size());
             if (item == newItem)
-                *newModule = items.first();
-            else if (item.toInt() > 0)
-                keys << ListKey{items.first(), item.toInt()};
+                wanted.newModule = items.first();
+            else if (id > 0)
+                wanted.keys << ListKey{items.first(), id};
         }
     }
-    return keys;
+    return wanted;
 }
 
 bool IndividualEditing::exists(const QString& module, qint32 id) const
@@ -88,25 +94,29 @@ bool IndividualEditing::EditItems(const QString& path)
     if (!leave())
         return false;
     return guarded(u"Ouverture"_s, false, [&] {
-        qint32 under = 0;
-        QString newModule;
-        const QList<ListKey> keys = parsed(path, &under, &newModule);
-        if (newModule == individus) {
+        const Wanted wanted = parsed(path);
+        if (wanted.newModule == individus) {
             m_list.clear();
             m_position = -1;
             return newIndividual({});
         }
-        if (!newModule.isEmpty()) {
-            m_list = {{individus, under}};
-            return show(0) && add(newModule);
+        if (!wanted.newModule.isEmpty()) {
+            m_list = {{individus, wanted.newUnder}};
+            return show(0) && add(wanted.newModule);
         }
-        m_list = keys;
-        for (int position = 0; position < m_list.size(); ++position) {
-            if (show(position))
-                return true;
-        }
-        return false;
+        m_list = wanted.keys;
+        return showFrom(wanted.shown) || showFrom(0);
     });
+}
+
+/// Shows the first record from there on that is still there.
+bool IndividualEditing::showFrom(int position)
+{
+    for (; position < m_list.size(); ++position) {
+        if (show(position))
+            return true;
+    }
+    return false;
 }
 
 // --- Lists ---------------------------------------------------------------------------------------
@@ -332,7 +342,7 @@ QVariantMap IndividualEditing::copied(const EditedRecord& record) const
     if (!record.form)
         return values;
     for (const auto& field : *record.form) {
-        if (field->value().isValid() && !field->ChpEdition()->ChampUnique && field->ctype() != data::LienCourant)
+        if (field->value().isValid() && isPreset(*field))
             values.insert(field->champ(), field->value());
     }
     return values;

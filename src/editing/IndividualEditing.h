@@ -88,11 +88,12 @@ public:
     bool close();
     /// The path of a list of records. Each level is its number, "-", its module and the identifiers, joined by ";":
     /// "1-Individus;12;13" are two individuals, "1-Individus\2-Mesures;4;9" two records of another module,
-    /// "1-Individus;12\2-Mesures;N" a new record under individual 12, "1-Individus;N" a new individual.
-    static QString levelPath(const QString& module, const QList<qint32>& ids);
+    /// "1-Individus;12\2-Mesures;N" a new record under individual 12, "1-Individus;N" a new individual. The first one is
+    /// shown, or the one marked as in "1-Individus;12;>13;14".
+    static QString levelPath(const QString& module, const QList<qint32>& ids, qint32 shown = 0);
     static QString newRecordPath(const QString& module, qint32 individu = 0);
-    /// Opens the editor on a list of records; the first one is shown. False when the user stayed with unsaved changes
-    /// or none of the records is there.
+    /// Opens the editor on a list of records; the first one, or the one marked, is shown. False when the user stayed with
+    /// unsaved changes or none of the records is there.
     bool EditItems(const QString& path);
     qint32 CurrentIndividu() const; ///< 0 for one never saved, and for none.
     bool isOpen() const { return !m_records.empty(); }
@@ -176,6 +177,8 @@ public:
     QList<data::PropertyObject> models() const; ///< Of the module of the current record.
 
     // --- From outside ------------------------------------------------------------------------
+    /// While the database is another thread's, nodes say only what is known of them. Nothing else may be called then.
+    void setAway(bool away) { m_away = away; }
     void Query_Change(const QString& key); ///< A record was changed elsewhere; typed values stay.
     void Query_Refresh();                  ///< Any record may have been; typed values stay.
 
@@ -238,7 +241,14 @@ private:
     void remember(const EditedRecord& record);
     void tell(const QString& text, const QString& title) const;
     template<typename Result, typename Work> Result guarded(const QString& title, Result neutral, Work work) const;
-    QList<ListKey> parsed(const QString& path, qint32* newUnder, QString* newModule) const;
+    struct Wanted {
+        QList<ListKey> keys;
+        int shown = 0;       ///< Position among them.
+        qint32 newUnder = 0; ///< Individual of a new record.
+        QString newModule;   ///< Empty: no new record.
+    };
+    static Wanted parsed(const QString& path);
+    bool showFrom(int position);
     bool exists(const QString& module, qint32 id) const;
     qint32 individuOf(const QString& module, qint32 id) const;
 
@@ -265,6 +275,7 @@ private:
     QList<ListKey> m_list;
     int m_position = -1;
     int m_temporary = 0;
+    bool m_away = false;
     QHash<QString, QVariantMap> m_last; ///< By module: the values of the record saved or left last.
     int m_model = 0;                    ///< `ID Prop` of the model applied last.
     mutable QHash<QString, std::shared_ptr<Cl_Editions>> m_scratch; ///< Fields that make the texts of nodes.

@@ -1,11 +1,7 @@
-// Named sets of values for new records.
-//
-// The text of a model is one line for each value: the key of the record ("0-" and the module, for whichever record it
-// is applied to), the field ("Mesures.Hauteur") and the value, joined by ";". The value may hold ";" itself; its line ends
-// are written as U+2028.
+// Named sets of values for new records, one line for each value (RecordModels.h). The value may hold ";" itself.
 #include "editing/IndividualEditingPrivate.h"
 
-#include "data/FieldType.h"
+#include "editing/RecordModels.h"
 #include "jet/SqlText.h"
 
 namespace editing {
@@ -17,11 +13,6 @@ namespace {
 const QString lineEnd = u"\r\n"_s;
 constexpr QChar lineInside(0x2028);
 const QString titleModels = u"Modèle"_s;
-
-QString inOneLine(const QVariant& value)
-{
-    return value.toString().replace(lineEnd, u"\n"_s).replace(u'\n', lineInside);
-}
 
 /// The column that an item names, with or without its module.
 QString columnOf(const QString& item, const QString& module)
@@ -47,8 +38,7 @@ QString IndividualEditing::modelText(const EditedRecord& record) const
     const QVariantMap values = copied(record);
     for (const auto& field : *record.form) {
         if (values.contains(field->champ()) && !isReadOnly(record, *field))
-            lines << data::parentKey(0, record.module) + u';' + record.module + u'.' + field->champ() + u';'
-                         + inOneLine(field->value());
+            lines << modelLine(record.module, *field);
     }
     return lines.join(lineEnd);
 }

@@ -359,7 +359,7 @@ QString IndividualEditing::describe(const QString& module, qint32 id) const
 
 QString IndividualEditing::summary(const EditedRecord& record) const
 {
-    if (record.summary.isEmpty())
+    if (record.summary.isEmpty() && !m_away)
         record.summary = trapped("summary", QString(), [&] {
             return record.form ? inWords(*record.form) : describe(record.module, record.id);
         });

@@ -26,7 +26,8 @@ RecordEditorWindow::RecordEditorWindow(IndividualEditing& editing, EditorSurroun
       m_model(new EditTreeModel(editing, m_around.icon, this)), m_tree(new EditTreeView(*m_model, this)),
       m_pane(new FormPane(this)), m_help(new QPlainTextEdit(this)), m_stack(new QStackedWidget(this)),
       m_tabs(new QTabWidget(this)), m_splitter(new QSplitter(this)), m_place(new QLabel(this)),
-      m_draft(new DraftKeeper(m_around.draftFile, [this] { return m_editing.draft(); }, this))
+      m_draft(new DraftKeeper(m_around.draftFile, [this] { return m_editing.draft(); }, this)),
+      m_held(new HeldKeys(*this))
 {
     setObjectName(u"recordEditor"_s);
     arrange();
@@ -87,6 +88,7 @@ void RecordEditorWindow::fillWorld()
 {
     ControlWorld& world = m_pane->world();
     world.search = m_around.search;
+    world.chooser = m_around.chooser;
     world.lists = m_around.lists;
     world.dialogues = &m_around.dialogues;
     world.take = [this](Cl_Edition& field, const QVariant& value) {
@@ -456,6 +458,14 @@ bool RecordEditorWindow::EditItems(const QString& path)
     if (opened)
         m_pane->focusFirst();
     return opened;
+}
+
+void RecordEditorWindow::setAway(bool away)
+{
+    m_editing.setAway(away);
+    m_held->hold(away);
+    if (!away)
+        m_tree->viewport()->update(); // with the texts that could not be read
 }
 
 bool RecordEditorWindow::offerDraft()

@@ -5,6 +5,7 @@
 #include "editing/ui/EditTreeView.h"
 #include "editing/ui/EditorActions.h"
 #include "editing/ui/FormPane.h"
+#include "editing/ui/HeldKeys.h"
 #include "editing/ui/PicturePane.h"
 
 #include <QLabel>
@@ -17,6 +18,7 @@
 namespace editing {
 
 class DescriptorLists;
+class ReferenceChooser;
 
 /// What the window needs of the world around it.
 struct EditorSurroundings {
@@ -32,6 +34,7 @@ struct EditorSurroundings {
     std::function<void(const QString& key, const QVariant&)> remember = {};
     /// Makes the pane of the tab "Viewer"; empty: the tab is hidden.
     std::function<PicturePane*(QWidget* owner)> makePictures = {};
+    ReferenceChooser* chooser = nullptr; ///< Null: names are completed, no tree is opened.
 };
 
 class RecordEditorWindow : public QMainWindow {
@@ -48,6 +51,8 @@ public:
     EditTreeView& tree() { return *m_tree; }
     EditorActions& actions() { return *m_actions; }
     DraftKeeper& draft() { return *m_draft; }
+    /// The project is for a while another thread's: nothing is read or written, keys wait (HeldKeys).
+    void setAway(bool away);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -94,6 +99,7 @@ private:
     QSplitter* m_splitter;
     QLabel* m_place;
     DraftKeeper* m_draft;
+    HeldKeys* m_held;
     PicturePane* m_pictures = nullptr; ///< Null where nobody shows pictures.
     PicturedRecord m_seen;             ///< What it shows.
     QStringList m_shown; ///< Keys of the records whose forms are shown.

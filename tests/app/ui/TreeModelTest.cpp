@@ -69,15 +69,15 @@ TEST_F(Tree, CommandsFollowTheNode)
     for (const Case& c : {
              Case{u"Bases"_s, {}},
              Case{u"Images"_s,
-                  {u"Ouvrir le Module Images"_s, u"-Ajouter dans le Module Images"_s, u"-Créer un nouveau Modèle"_s,
+                  {u"Ouvrir le Module Images"_s, u"Ajouter dans le Module Images"_s, u"Créer un nouveau Modèle"_s,
                    u"-Créer une nouvelle Requête"_s}},
              Case{u"2-query"_s,
                   {u"-Ouvrir la Requête En altitude"_s, u"-Créer une nouvelle Requête"_s,
                    u"-Supprimer la Requête En altitude"_s}},
              Case{u"3-model"_s,
-                  {u"-Créer un nouveau Modèle"_s, u"-Ajouter depuis le Modèle"_s, u"-Supprimer le Modèle"_s}},
+                  {u"Créer un nouveau Modèle"_s, u"Ajouter depuis le Modèle"_s, u"Supprimer le Modèle"_s}},
              Case{u"Requête"_s, {u"-Créer une nouvelle Requête"_s}},
-             Case{u"Modèle"_s, {u"-Créer un nouveau Modèle"_s}},
+             Case{u"Modèle"_s, {u"Créer un nouveau Modèle"_s}},
              Case{u"Images-self"_s, {u"-Ouvrir la Sélection flottante"_s, u"-Vider la Sélection flottante"_s}},
              Case{u"Lstaxons"_s, {u"Ouvrir le Module Taxons"_s}},
          }) {

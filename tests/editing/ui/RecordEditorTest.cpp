@@ -34,7 +34,9 @@ protected:
         window.reset();
         edit = std::make_unique<IndividualEditing>(tools());
         wizard = std::make_unique<editing::FormWindows>(world, &project.db());
-        editing::EditorSurroundings around{project.dialogues, *wizard, search.get(), lists.get()};
+        editing::EditorSurroundings around{project.dialogues, *wizard};
+        around.search = search.get();
+        around.lists = lists.get();
         around.project = u"projet.hbx"_s;
         around.draftFile = project.path(u"projet.hbx.saisie"_s);
         around.remembered = [this](const QString& key) { return memory.value(key); };
