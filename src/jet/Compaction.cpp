@@ -1,13 +1,14 @@
 // The compacted copy of a file: written beside its target, checked, flushed and only then named.
 #include "jet/Catalog.h"
 #include "jet/Compile.h"
-#include "jet/Database.h"
+#include "jet/DatabasePrivate.h"
 #include "jet/FileProbe.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
 #include <cerrno>
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 namespace jet {
@@ -120,7 +121,51 @@ void giveName(const QString& temporary, const QString& target)
     flush(QFileInfo(target).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
 
+/// Pages at a time; between them the copy may be stopped.
+constexpr int pagesAtOnce = 4096;
+
+void copyPages(Store& from, Store& to, const std::function<bool()>& goOn)
+{
+    sqlite3_backup* backup = sqlite3_backup_init(to.handle(), "main", from.handle(), "main");
+    if (backup == nullptr)
+        to.raise(sqlite3_errcode(to.handle()));
+    int code = SQLITE_OK;
+    bool stopped = false;
+    while (code == SQLITE_OK && !stopped) {
+        code = sqlite3_backup_step(backup, pagesAtOnce);
+        stopped = code == SQLITE_OK && !goOn();
+    }
+    const int finish = sqlite3_backup_finish(backup);
+    if (stopped)
+        fail(3059);
+    if (code != SQLITE_DONE || finish != SQLITE_OK)
+        to.raise(finish != SQLITE_OK ? finish : code);
+}
+
 } // namespace
+
+void Database::SaveCopy(const QString& target)
+{
+    if (!isOpen())
+        fail(3420, d->path);
+    if (inOperation())
+        fail(3034);
+    checkTarget(d->path, target);
+    d->cancelled = false;
+    const QString temporary = temporaryPath(target);
+    removeTemporary(temporary);
+    try {
+        Store copy;
+        copy.open(temporary, true, false);
+        copyPages(d->store, copy, [this] { return !d->cancelled; });
+        copy.close();
+        QFile::setPermissions(temporary, QFile::permissions(d->path));
+        giveName(temporary, target);
+    } catch (...) {
+        removeTemporary(temporary);
+        throw;
+    }
+}
 
 void Database::Compact(const QString& source, const QString& target, const OpenOptions& options)
 {

@@ -60,6 +60,15 @@ public:
     /// Replaces the rules of an existing column (Required, AllowZeroLength, validation, default,
     /// width); its name and type stay.
     void ChangeField(const QString& table, const Field& field);
+    /// Gives a table another name; rows, indexes and relations stay. 3010, 3012 taken.
+    void RenameTable(const QString& name, const QString& newName);
+    /// Gives a column another name, and the rules of `field` with it as ChangeField does. 3191 taken.
+    void RenameField(const QString& table, const QString& name, const Field& field);
+    /// Gives columns other types; each value becomes what the converter makes of it (Null where that is invalid). The
+    /// table is written anew once, and its indexes with it; those on the columns themselves are gone afterwards. 3281 for
+    /// a column of a relation.
+    using Converter = std::function<QVariant(const QString& column, const QVariant& value)>;
+    void ConvertFields(const QString& table, const QList<Field>& fields, const Converter& converter);
     void AppendIndex(const QString& table, const Index& index); ///< 3284 exists, 3022 duplicate rows.
     void DeleteIndex(const QString& table, const QString& index);
     /// Makes the indexes of the table exactly these; one that stands with the same definition is not
@@ -99,6 +108,9 @@ public:
     // --- Care --------------------------------------------------------------------------------
     /// Findings in French, empty when the file is sound. `thorough` also checks every index.
     QStringList Check(bool thorough = true);
+    /// Writes a copy of the open file, page by page, flushed and named last: 3204 when `target` exists, 3034 inside of an
+    /// operation.
+    void SaveCopy(const QString& target);
 
     Store& store(); ///< For the classes of the engine.
 

@@ -89,14 +89,21 @@ void DefinitionWriter::dropIndex(const TableDef& table, const Index& index)
     m_store.run(u"DROP INDEX IF EXISTS "_s + quoted(indexSqlName(table.Name, index.Name)));
 }
 
-/// Writes the table anew under its new definition. The row identifiers stay, and the counter with them.
-void DefinitionWriter::rebuild(const TableDef& before, const TableDef& after)
+QList<Relation> DefinitionWriter::relationsOf(const QString& table) const
 {
     QList<Relation> relations;
     for (const Relation& relation : m_schema.relations()) {
-        if (touches(relation, before.Name))
+        if (touches(relation, table))
             relations.append(relation);
     }
+    return relations;
+}
+
+/// Writes the table anew under its new definition. The row identifiers stay, and the counter with them.
+void DefinitionWriter::rebuild(const TableDef& before, const TableDef& after,
+                               const QHash<QString, QString>& expressions)
+{
+    const QList<Relation> relations = relationsOf(before.Name);
     // A table cannot be renamed while a trigger names one that is not there.
     run(dropColumnRules(before.Name));
     for (const Relation& relation : relations)
@@ -111,7 +118,10 @@ void DefinitionWriter::rebuild(const TableDef& before, const TableDef& after)
         if (field.AutoIncrement || (isNew && field.Type == DataType::Boolean))
             continue;
         targets += quoted(field.Name);
-        sources += !isNew ? quoted(field.Name) : field.Required ? defaultSql(m_store, field) : u"NULL"_s;
+        if (expressions.contains(field.Name))
+            sources += expressions.value(field.Name);
+        else
+            sources += !isNew ? quoted(field.Name) : field.Required ? defaultSql(m_store, field) : u"NULL"_s;
     }
     const QVariant counter =
         m_store.single(u"SELECT seq FROM sqlite_sequence WHERE name="_s + quotedText(before.Name));

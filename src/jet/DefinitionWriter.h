@@ -16,6 +16,11 @@ public:
     void appendField(const QString& table, const Field& field);
     void deleteField(const QString& table, const QString& field);
     void changeField(const QString& table, const Field& field);
+    // DefinitionRestructure.cpp
+    void renameTable(const QString& name, const QString& newName);
+    void renameField(const QString& table, const QString& name, const Field& field);
+    /// `expressions` gives what the store is to write into a column, by its name.
+    void convertFields(const QString& table, const QList<Field>& fields, const QHash<QString, QString>& expressions);
     void appendIndex(const QString& table, const Index& index);
     void deleteIndex(const QString& table, const QString& index);
     void appendRelation(const Relation& relation);
@@ -35,7 +40,9 @@ private:
     void save(const TableDef& table); ///< Rules, catalogue and memory.
     void createIndex(const TableDef& table, const Index& index);
     void dropIndex(const TableDef& table, const Index& index);
-    void rebuild(const TableDef& before, const TableDef& after);
+    void rebuild(const TableDef& before, const TableDef& after, const QHash<QString, QString>& expressions = {});
+    QList<Relation> relationsOf(const QString& table) const;
+    void remake(const QList<Relation>& relations);
     void makeRelationRules(const Relation& relation);
     void checkRelation(const Relation& relation) const;
     void refuseUse(const TableDef& table, const Index& index) const;
