@@ -98,7 +98,7 @@ Dictionary::Dictionary(jet::Database& database, const platform::Clock& clock,
 {
 }
 
-void Dictionary::load()
+void Dictionary::readDefinitions()
 {
     m_modules.clear();
     const auto rows = m_database.OpenRecordset(
@@ -111,6 +111,7 @@ void Dictionary::load()
         module.label = rows->Value(u"NomObjet").toString();
         module.version = rows->Value(u"Version").toString();
         module.help = rows->Value(u"TextHelp").toString();
+        module.shortLabel = rows->Value(u"Validation").toString();
         module.index = rows->Value(u"Index").toInt();
         module.flags = rows->Value(u"Flags").toInt();
         module.icon = rows->Value(u"Icon").toByteArray();
@@ -118,9 +119,15 @@ void Dictionary::load()
             module.flags &= ~Unique; // one record per individual makes no sense on the root
         m_modules.append(module);
     }
-    QList<ModuleRecord> built;
-    for (ModuleRecord& module : m_modules) {
+    for (ModuleRecord& module : m_modules)
         module.fields = loadFields(module.name);
+}
+
+void Dictionary::load()
+{
+    readDefinitions();
+    QList<ModuleRecord> built;
+    for (const ModuleRecord& module : std::as_const(m_modules)) {
         if (buildModuleTable(m_database, module, m_dialogues))
             built.append(module);
     }
@@ -287,6 +294,7 @@ void Dictionary::saveModule(const ModuleRecord& module)
                   {u"ModuleConnexion"_s, orNull(module.provider)},
                   {u"Version"_s, orNull(module.version)},
                   {u"TextHelp"_s, orNull(module.help)},
+                  {u"Validation"_s, orNull(module.shortLabel)},
                   {u"Icon"_s, module.icon.isEmpty() ? QVariant() : QVariant(module.icon)}});
     } catch (const jet::Error& error) {
         qCWarning(dictionaryLog).noquote() << "module" << module.name << error.description();

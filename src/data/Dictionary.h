@@ -16,6 +16,8 @@ public:
     /// Reads the modules (by `Index`, then `NomObjet`) with their fields, and builds their tables. A module whose
     /// table cannot be built is dropped from the list.
     void load();
+    /// Reads them alone, as they stand in the file.
+    void readDefinitions();
     const QList<ModuleRecord>& modules() const { return m_modules; }
     const ModuleRecord* module(QStringView name) const;
 
@@ -31,8 +33,10 @@ public:
     void save();
     /// Sets `Index` to -1 for rows (with bit 2) of modules that are not among these.
     void markUnconnected(const QStringList& connected);
+    /// What a step of a purge does that fails.
+    enum class Failing { PassOver, Throw };
     /// Removes what is marked: modules (table, relation, link column, properties, parent keys), then fields.
-    void purge();
+    void purge(Failing failing = Failing::PassOver);
     /// Deletes the dictionary rows of a module for its provider.
     void deleteDefinitions(const QString& module, const QString& provider);
 
@@ -41,8 +45,8 @@ private:
     QList<FieldRecord> loadFields(const QString& module) const;
     void saveModule(const ModuleRecord& module);
     void saveField(const ModuleRecord& module, const FieldRecord& field);
-    void purgeModules();
-    void purgeFields();
+    void purgeModules(Failing failing);
+    void purgeFields(Failing failing);
 
     jet::Database& m_database;
     const platform::Clock& m_clock;

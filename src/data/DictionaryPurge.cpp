@@ -24,13 +24,15 @@ QString markedRows(const QString& type)
                   {{u"rtype"_s, texte(type)}});
 }
 
-/// Runs one step of a purge; a row that fails is passed over.
+/// Runs one step of a purge.
 template<typename Work>
-void attempt(const QString& what, Work work)
+void attempt(Dictionary::Failing failing, const QString& what, Work work)
 {
     try {
         work();
     } catch (const jet::Error& error) {
+        if (failing == Dictionary::Failing::Throw)
+            throw;
         qCWarning(purgeLog).noquote() << what << error.number() << error.description();
     }
 }
@@ -80,30 +82,30 @@ void Dictionary::markUnconnected(const QStringList& connected)
     }
 }
 
-void Dictionary::purge()
+void Dictionary::purge(Failing failing)
 {
-    purgeModules();
-    purgeFields();
+    purgeModules(failing);
+    purgeFields(failing);
 }
 
-void Dictionary::purgeModules()
+void Dictionary::purgeModules(Failing failing)
 {
     const QString statement = markedRows(u"Addin"_s);
     const QList<Row> marked = readRows(m_database, statement);
     for (const Row& row : marked) {
         const QString& module = row.module;
-        attempt(u"lien "_s + module, [&] {
+        attempt(failing, u"lien "_s + module, [&] {
             deleteColumn(m_database, moduleIndividus, u"ID "_s + module);
             // Without its dictionary row the link column would be made anew at the next build.
             m_database.Execute(u"DELETE * From PGTableDefs WHERE PGTableDefs.Type="_s + texte(u"TabEdit"_s)
                                + u" AND PGTableDefs.ModuleConnexion="_s + texte(module)
                                + u" AND PGTableDefs.Table="_s + texte(u"ID "_s + module));
         });
-        attempt(u"définitions "_s + module, [&] { deleteDefinitions(module, row.provider); });
+        attempt(failing, u"définitions "_s + module, [&] { deleteDefinitions(module, row.provider); });
         for (const ModuleRecord& other : std::as_const(m_modules)) {
             if (jet::sameName(other.name, module))
                 continue;
-            attempt(u"parents "_s + other.name, [&] {
+            attempt(failing, u"parents "_s + other.name, [&] {
                 m_database.Execute(
                     filled(u"UPDATE tmodule SET tmodule.KeyParent = Null WHERE"
                            " tmodule.KeyParent LIKE "_s,
@@ -111,12 +113,12 @@ void Dictionary::purgeModules()
                     + texte(u"*-"_s + module));
             });
         }
-        attempt(u"propriétés "_s + module, [&] {
+        attempt(failing, u"propriétés "_s + module, [&] {
             PropertyStore store(m_database, m_clock);
             store.deleteModule(module);
             store.clean(module);
         });
-        attempt(u"table "_s + module, [&] {
+        attempt(failing, u"table "_s + module, [&] {
             if (m_database.schema().relation(module))
                 m_database.DeleteRelation(module);
             if (m_database.schema().table(module))
@@ -134,12 +136,12 @@ void Dictionary::purgeModules()
         m_database.Execute(QString(statement).replace(u"SELECT "_s, u"DELETE "_s));
 }
 
-void Dictionary::purgeFields()
+void Dictionary::purgeFields(Failing failing)
 {
     const QString statement = markedRows(u"TabEdit"_s);
     const QList<Row> marked = readRows(m_database, statement);
     for (const Row& row : marked) {
-        attempt(u"champ "_s + row.column, [&] {
+        attempt(failing, u"champ "_s + row.column, [&] {
             PropertyStore store(m_database, m_clock);
             store.deleteDescriptor(row.module, row.column);
             store.clean(row.module, row.column);

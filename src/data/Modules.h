@@ -50,6 +50,8 @@ struct ModuleRecord {
     QString provider = providerUser;
     QString version;
     QString help;
+    /// `ChampsLabel`, kept in `Validation`: texts and names of fields in brackets, for a record in a few words.
+    QString shortLabel;
     int index = 0;
     qint32 flags = Connecté;
     QByteArray icon;    ///< A picture file (PNG, SVG …); empty for the default icon.
