@@ -2,9 +2,11 @@
 #include "app/ui/Captures.h"
 #include "app/ui/Program.h"
 #include "platform/ui/QtDialogues.h"
+#include "platform/ui/RunningInstances.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QTextStream>
 #include <QTimer>
 #include <algorithm>
@@ -16,13 +18,34 @@ using namespace Qt::StringLiterals;
 
 constexpr int usageError = 2;
 
+/// What a second start asks of the program that runs: true when it shows that file, or anything when none is named.
+bool takeOver(app::Program& program, const QString& file)
+{
+    app::MainWindow& window = program.window();
+    const QString canonical = QFileInfo(file).canonicalFilePath();
+    const bool free = !program.session().isOpen() && !window.commands().isBusy();
+    if (!file.isEmpty() && !free && (window.commands().isBusy() || canonical != program.session().path()))
+        return false;
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    if (free && !file.isEmpty())
+        QTimer::singleShot(0, &window, [&window, canonical] { window.commands().openPath(canonical); });
+    return true;
+}
+
 int runWindow(const QString& file)
 {
+    platform::RunningInstances instances(platform::RunningInstances::defaultFolder());
+    if (instances.hand(file.isEmpty() ? file : QFileInfo(file).absoluteFilePath()))
+        return 0;
     const QString folder = QCoreApplication::applicationDirPath();
     platform::QtDialogues dialogues;
     app::Program program({folder, platform::Settings::defaultFile(folder), app::WindowState::defaultFile()}, dialogues);
     dialogues.setParent(&program.window());
     program.window().show();
+    instances.listen([&program](const QString& asked) { return takeOver(program, asked); });
     const auto association = platform::desktopFileAssociation();
     QTimer::singleShot(0, &program.window(), [&] { program.startUp(*association, file); });
     return QApplication::exec();
