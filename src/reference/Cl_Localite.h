@@ -17,12 +17,15 @@ class Cl_Localité : public ReferenceList {
 public:
     explicit Cl_Localité(const ReferenceContext& context, const QString& applicationFolder = {});
 
-    /// A map: its frame is left, top, width and height as handed over by the map view. Gives its identifier, 0 on failure.
+    /// A map: its frame are the coordinates of its picture's left, top, right and bottom bounds, as calibration writes
+    /// them; all 0 for a picture that is not calibrated. Gives its identifier, 0 on failure.
     qint32 AddCarte(qint32 parent, const QString& name, const std::array<double, 4>& frame, const QString& picture);
     /// Asks the coordinates of two picture points and writes the frame: the geographic coordinates of the picture's
-    /// bounds (`bounds`: left, top, right, bottom in picture coordinates).
-    bool Calibrate(qint32 id, double x1, double x2, double y1, double y2, const std::array<double, 4>& bounds);
-    bool Add(qint32 parent);
+    /// bounds (`bounds`: left, top, right, bottom in picture coordinates). `form` (null: that of the context) asks.
+    bool Calibrate(qint32 id, double x1, double x2, double y1, double y2, const std::array<double, 4>& bounds,
+                   editing::FormDialogue* form = nullptr);
+    /// Asks for a new place; columns that are known already are proposed.
+    bool Add(qint32 parent, const QList<QPair<QString, QVariant>>& proposed = {});
     bool Edit(qint32 id);
     bool Delete(const QList<qint32>& ids, bool silent = false);
     Found SearchLocalités(const QString& pattern) const;

@@ -121,12 +121,16 @@ bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
     }
 }
 
-bool Cl_Localité::Add(qint32 parent)
+bool Cl_Localité::Add(qint32 parent, const QList<QPair<QString, QVariant>>& proposed)
 {
     if (!m_context.form)
         return false;
     editing::Cl_Editions form(m_context.editing);
     FillTabEdit(form, 0);
+    for (const auto& [column, value] : proposed) {
+        if (editing::Cl_Edition* field = form.Item(column))
+            field->setValue(value);
+    }
     const QString title = NomLocalité(parent, 1) + u" (Nouvelle Localité)"_s;
     return m_context.form->edit(title, form, [this, parent](editing::Cl_Editions& f) {
         position(0);
@@ -171,14 +175,16 @@ qint32 Cl_Localité::AddCarte(qint32 parent, const QString& name, const std::arr
     }
 }
 
-bool Cl_Localité::Calibrate(qint32 id, double x1, double x2, double y1, double y2, const std::array<double, 4>& bounds)
+bool Cl_Localité::Calibrate(qint32 id, double x1, double x2, double y1, double y2, const std::array<double, 4>& bounds,
+                            editing::FormDialogue* dialogue)
 {
-    if (!m_context.form || !position(id))
+    editing::FormDialogue* asking = dialogue ? dialogue : m_context.form;
+    if (!asking || !position(id))
         return false;
     editing::Cl_Editions form(m_context.editing);
     for (const FormField& field : calibrationFields())
         form.Add(field.type, field.caption, QVariant(), field.help, field.column, false, 0);
-    return m_context.form->edit(u"Calibration de la carte "_s + NomLocalité(id, 0), form, [&](editing::Cl_Editions& f) {
+    return asking->edit(u"Calibration de la carte "_s + NomLocalité(id, 0), form, [&](editing::Cl_Editions& f) {
         if (!f.valid())
             return false;
         const double ax = (f.Item(2)->value().toDouble() - f.Item(0)->value().toDouble()) / (x2 - x1);

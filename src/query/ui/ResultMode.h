@@ -4,6 +4,7 @@
 #include "platform/ui/DocumentTab.h"
 
 #include <QList>
+#include <QRectF>
 #include <QVariant>
 #include <QWidget>
 #include <functional>
@@ -78,6 +79,8 @@ Q_SIGNALS:
     void activated(const query::ResultSelection& record); ///< Double click or Return: the record is to be edited.
     /// "insertmap": the query is to be narrowed to the places that were chosen (`ID Localités`).
     void insertPlacesWanted(const QList<qint32>& localities);
+    /// The same by a rectangle of degrees: longitudes along x, latitudes along y (Query::insertRectangle).
+    void insertRectangleWanted(const QRectF& degrees);
     void stateChanged(); ///< Status text or what is possible.
     void failed(const QString& description);
 
