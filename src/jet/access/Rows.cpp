@@ -109,10 +109,8 @@ bool Rows::layOutVariable(qint64 maskAt)
     int jumps = 0;
     if (size == 1) {
         // An offset of one byte does not reach beyond 255: for each 256 bytes of the row a byte tells from which
-        // column on the offsets are that much greater.
+        // column on the offsets are that much greater (FF: from none).
         jumps = int(bytes.size() - 1) / 256;
-        if ((at - jumps - count) / 256 < jumps)
-            --jumps;
         at -= jumps;
     }
     if (!bytes.has(at - qint64(count) * size, qint64(count + 1) * size))
