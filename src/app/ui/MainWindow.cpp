@@ -5,6 +5,7 @@
 #include "app/ui/Desk.h"
 #include "app/ui/EditorDesk.h"
 #include "app/ui/Icons.h"
+#include "app/ui/MapDesk.h"
 #include "app/ui/ManualWindow.h"
 #include "app/ui/TreeObjects.h"
 
@@ -128,6 +129,7 @@ void MainWindow::serveTree()
 void MainWindow::makeDesks()
 {
     m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
+    m_desks.push_back(std::make_unique<MapDesk>(*m_place));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
 }

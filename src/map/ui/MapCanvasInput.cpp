@@ -120,9 +120,7 @@ void MapCanvas::endStroke(QMouseEvent* event)
         if (m_calibrated)
             Q_EMIT regionDrawn(areaOf(box));
     } else if (m_stroke == Stroke::Frame) {
-        // Shift began the frame; it adds only with a tool that needs no Shift.
-        const Qt::KeyboardModifiers keys = event->modifiers();
-        select(m_grid.within(areaOf(box)), keys);
+        select(m_grid.within(areaOf(box)), event->modifiers());
     } else if (m_stroke == Stroke::Lasso) {
         QPolygonF outline;
         for (const QPointF& at : std::as_const(m_lasso)) {

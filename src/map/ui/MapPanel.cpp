@@ -14,7 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString mapFilter = u"Images (*.png, *.jpg, *.tif, *.gif, *.bmp)|*.png;*.jpg;*.jpeg;*.tif;*.tiff;*.gif;*.bmp|"_s;
+const QString mapFilter =
+    u"Images (*.jpg *.jpeg *.png *.tif *.tiff *.bmp *.gif)|*.jpg *.jpeg *.png *.tif *.tiff *.bmp *.gif|Tous (*)|*|"_s;
 const QString addMapTitle = u"Ajout d'une carte"_s;
 
 QString caption(const MapRow& row, int points)
@@ -228,10 +229,12 @@ void MapPanel::setBusy(bool busy)
     showActions();
 }
 
-void MapPanel::setNarrowing(bool possible)
+void MapPanel::setNarrowing(const QString& bySelection, const QString& byRegion)
 {
-    m_narrowing = possible;
-    showActions();
+    m_narrowSelection->setText(bySelection);
+    m_narrowSelection->setVisible(!bySelection.isEmpty());
+    m_narrowRegion->setText(byRegion);
+    m_narrowRegion->setVisible(!byRegion.isEmpty());
 }
 
 void MapPanel::setNote(const QString& text)
@@ -270,8 +273,6 @@ void MapPanel::showActions()
     m_narrowSelection->setEnabled(!m_busy && m_map->selectedCount() > 0);
     m_narrowRegion->setEnabled(!m_busy && calibrated);
     m_narrowRegion->setChecked(m_map->tool() == MapTool::Region);
-    m_narrowSelection->setVisible(m_narrowing);
-    m_narrowRegion->setVisible(m_narrowing);
     m_zoomSelected->setEnabled(m_map->selectedCount() > 0);
     for (QAction* action : m_toolGroup->actions())
         action->setChecked(action->data().toInt() == int(m_map->tool()));

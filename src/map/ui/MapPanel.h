@@ -38,8 +38,8 @@ public:
     QString statusText() const;
     /// What is said in place of points; empty for nothing.
     void setNote(const QString& text);
-    /// Whether a rectangle and a selection can narrow something.
-    void setNarrowing(bool possible);
+    /// Commands that hand the places selected, or a rectangle, to whoever shows the map; an empty text for none.
+    void setNarrowing(const QString& bySelection, const QString& byRegion);
 
     void addMap();
     void startCalibration();
@@ -91,7 +91,6 @@ private:
     QLabel* m_time;
     bool m_busy = false;
     bool m_chosen = false; ///< A map was shown.
-    bool m_narrowing = false;
 };
 
 } // namespace map

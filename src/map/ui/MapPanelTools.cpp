@@ -194,11 +194,12 @@ void MapPanel::chooseColour(bool selected)
 void MapPanel::makeMapMenu()
 {
     auto* menu = new QMenu(this);
-    m_narrowSelection = add(menu, u"restreindreSelection"_s, u"Restreindre la requête à la &sélection"_s,
+    m_narrowSelection = add(menu, u"restreindreSelection"_s, QString(),
                             [this] { Q_EMIT narrowToPlaces(m_map->selectedLocalities()); });
-    m_narrowRegion = add(menu, u"restreindreRegion"_s, u"Restreindre la requête à une &région…"_s,
+    m_narrowRegion = add(menu, u"restreindreRegion"_s, QString(),
                          [this] { m_map->setModeAddRegion(!m_map->ModeAddRegion()); });
     m_narrowRegion->setCheckable(true);
+    setNarrowing({}, {});
     menu->addSeparator();
     m_addPlace = add(menu, u"ajouterLocalite"_s, u"Ajouter une &localité d'un clic"_s,
                      [this] { m_map->setAllowAddLocalité(!m_map->AllowAddLocalité()); });
