@@ -116,6 +116,8 @@ public:
     QString nodeCaption(const EditNode& node) const;
     /// Says that the whole record cannot be written; empty when it can.
     QString heading(const EditedRecord& record) const;
+    /// What the record is as an object of the project: its key, where it hangs, what hangs under it, its dates.
+    QString about(const EditedRecord& record) const;
     QString help() const; ///< What the help node tells: modules and their fields.
 
     // --- Forms -------------------------------------------------------------------------------

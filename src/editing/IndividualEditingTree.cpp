@@ -392,6 +392,25 @@ QString IndividualEditing::nodeCaption(const EditNode& node) const
     return says.isEmpty() ? label : label + u" : "_s + says;
 }
 
+QString IndividualEditing::about(const EditedRecord& record) const
+{
+    const QVariantMap values = trapped("object", QVariantMap(), [&] {
+        return m_tools.context.records->record(record.module, record.id);
+    });
+    const QString parent = effectiveParent(record);
+    QStringList lines{name(record),
+                      u"Module : "_s + record.module,
+                      u"Clé : "_s + (record.isNew() ? u"(pas encore enregistré)"_s : record.key),
+                      u"Parent : "_s + (parent.isEmpty() ? u"(aucun)"_s : parent.startsWith(temporaryMarker) ? u"(pas encore enregistré)"_s : parent),
+                      u"Verrouillé : "_s + (record.locked ? u"Oui"_s : u"Non"_s),
+                      u"Création : "_s + values.value(u"DateCreate"_s).toString(),
+                      u"Modification : "_s + values.value(u"DateModify"_s).toString()};
+    const EditNode* here = node(record.key);
+    for (size_t i = 0; here && i < here->children.size(); ++i)
+        lines << u"Sous cet enregistrement : "_s + nodeCaption(*here->children[i]);
+    return lines.join(u'\n');
+}
+
 QString IndividualEditing::help() const
 {
     QStringList lines;

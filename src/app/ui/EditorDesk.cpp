@@ -38,7 +38,11 @@ public:
     addin::TabEditions fields(const QString& module) override
     {
         const data::ModuleRecord* definition = m_session.dictionary().module(module);
-        return definition ? m_session.addins().fields(*definition) : addin::TabEditions();
+        const addin::TabEditions fields =
+            definition ? m_session.addins().fields(*definition) : addin::TabEditions();
+        for (const addin::ChpEditionPtr& field : fields)
+            field->Descripteurs.clear(); // those that the project keeps are the ones that users change
+        return fields;
     }
 
 private:
@@ -220,6 +224,18 @@ void EditorDesk::followWritten(const QStringList&)
     updateAway();
 }
 
+void EditorDesk::photograph(Photographer& photographer)
+{
+    if (!m_project || window())
+        return; // what somebody types in is no picture
+    const QScopedValueRollback posing(m_posing, true);
+    makeWindow();
+    photographModes(photographer);
+    photographStates(photographer);
+    m_project->window.reset();
+    m_project->editing.reset();
+}
+
 // --- The window ----------------------------------------------------------------------------------
 
 editing::RecordEditorWindow& EditorDesk::makeWindow()
@@ -239,7 +255,7 @@ editing::RecordEditorWindow& EditorDesk::makeWindow()
     around.icon = [this](const QString& module) { return iconNamed(module, session().modules()); };
     around.project = session().projectName();
     // A project that cannot be written keeps no typing either.
-    around.draftFile = session().readOnly() ? QString() : editing::DraftKeeper::fileFor(session().path());
+    around.draftFile = m_posing || session().readOnly() ? QString() : editing::DraftKeeper::fileFor(session().path());
     around.remembered = [this](const QString& key) { return place().state().value(key); };
     around.remember = [this](const QString& key, const QVariant& value) { place().state().setValue(key, value); };
     around.makePictures = makePictures;

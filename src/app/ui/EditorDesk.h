@@ -4,6 +4,7 @@
 #include "app/ui/Desk.h"
 
 namespace editing {
+class Cl_Edition;
 class PicturePane;
 class RecordEditorWindow;
 } // namespace editing
@@ -25,6 +26,7 @@ public:
     bool mayClose() override;
     void projectClosing() override;
     void showBusy(bool busy) override;
+    void photograph(Photographer& photographer) override;
 
     /// Null while nobody asked for it.
     editing::RecordEditorWindow* window() const;
@@ -47,11 +49,14 @@ private:
     void followWritten(const QStringList& modules);
     void updateAway();
     void updateActions();
+    void photographModes(Photographer& photographer);
+    void photographStates(Photographer& photographer);
 
     std::unique_ptr<Project> m_project; ///< Null while none is open.
     QAction* m_editRow = nullptr;
     QAction* m_newIndividual = nullptr;
     bool m_busy = false;
+    bool m_posing = false;  ///< For pictures: nothing that is typed is kept.
     bool m_stale = false;   ///< Records were written elsewhere while the database was away.
     bool m_telling = false; ///< What is written comes from the editor itself.
 };

@@ -20,43 +20,56 @@ DescriptorPanel::DescriptorPanel(Cl_Edition& field, const ControlWorld& world, Q
     : QWidget(owner), m_world(world), m_field(&field), m_multiple(field.ctype() == data::ListeMultiple),
       m_list(new QListWidget(this)), m_bar(new QToolBar(this))
 {
-    auto* layout = new QHBoxLayout(this);
+    auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(2);
+    layout->setSpacing(0);
     layout->addWidget(m_list);
-    layout->addWidget(m_bar, 0, Qt::AlignTop);
+    layout->addWidget(m_bar);
     m_list->setUniformItemSizes(true);
     m_list->setAccessibleName(field.Caption());
     m_bar->setObjectName(u"commandes-"_s + field.champ());
-    m_bar->setOrientation(Qt::Vertical);
     m_bar->setIconSize(QSize(16, 16));
-    addCommand(u"add"_s, u"list-add"_s, u"Ajouter un descripteur"_s, &DescriptorPanel::addItem);
-    addCommand(u"edit"_s, u"document-edit"_s, u"Renommer le descripteur"_s, &DescriptorPanel::editItem);
-    addCommand(u"delete"_s, u"edit-delete"_s, u"Supprimer le descripteur"_s, &DescriptorPanel::deleteItem);
-    addCommand(u"up"_s, u"go-up"_s, u"Monter le descripteur"_s, &DescriptorPanel::moveUp);
-    addCommand(u"down"_s, u"go-down"_s, u"Descendre le descripteur"_s, &DescriptorPanel::moveDown);
+    m_bar->setContentsMargins(0, 0, 0, 0);
+    addCommand({u"add"_s, u"list-add"_s, u"+"_s, u"Ajouter un descripteur"_s}, &DescriptorPanel::addItem);
+    addCommand({u"edit"_s, u"document-edit"_s, u"✎"_s, u"Renommer le descripteur"_s}, &DescriptorPanel::editItem);
+    addCommand({u"delete"_s, u"edit-delete"_s, u"−"_s, u"Supprimer le descripteur"_s}, &DescriptorPanel::deleteItem);
+    addCommand({u"up"_s, u"go-up"_s, u"↑"_s, u"Monter le descripteur"_s}, &DescriptorPanel::moveUp);
+    addCommand({u"down"_s, u"go-down"_s, u"↓"_s, u"Descendre le descripteur"_s}, &DescriptorPanel::moveDown);
     if (m_multiple) {
-        addCommand(u"selall"_s, u"edit-select-all"_s, u"Tout cocher"_s, &DescriptorPanel::selectAll);
-        addCommand(u"selinv"_s, u"edit-select-invert"_s, u"Inverser les coches"_s, &DescriptorPanel::invert);
+        addCommand({u"selall"_s, u"edit-select-all"_s, u"☑"_s, u"Tout cocher"_s}, &DescriptorPanel::selectAll);
+        addCommand({u"selinv"_s, u"edit-select-invert"_s, u"◪"_s, u"Inverser les coches"_s}, &DescriptorPanel::invert);
         connect(m_list, &QListWidget::itemChanged, this, &DescriptorPanel::edited);
     }
     m_list->addActions(m_bar->actions());
     m_list->setContextMenuPolicy(Qt::ActionsContextMenu);
     connect(m_list, &QListWidget::currentRowChanged, this, &DescriptorPanel::updateCommands);
+    m_list->installEventFilter(this);
     refresh();
 }
 
-void DescriptorPanel::addCommand(const QString& key, const QString& icon, const QString& text,
-                                 void (DescriptorPanel::*run)())
+void DescriptorPanel::addCommand(const Command& command, void (DescriptorPanel::*run)())
 {
-    auto* action = new QAction(QIcon::fromTheme(icon), text, m_bar);
-    action->setObjectName(key);
+    const QString& text = command.text;
+    auto* action = new QAction(QIcon::fromTheme(command.icon), text, m_bar);
+    action->setObjectName(command.key);
+    action->setIconText(command.sign);
+    action->setToolTip(text);
     connect(action, &QAction::triggered, this, run);
     m_bar->addAction(action);
     if (QWidget* button = m_bar->widgetForAction(action)) {
         button->setFocusPolicy(Qt::NoFocus);
         button->setAccessibleName(text);
     }
+}
+
+/// Marks say what is chosen; the row of the keyboard would be taken for a choice while one is elsewhere.
+bool DescriptorPanel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (m_multiple && watched == m_list && event->type() == QEvent::FocusIn && m_list->currentItem())
+        m_list->currentItem()->setSelected(true);
+    else if (m_multiple && watched == m_list && event->type() == QEvent::FocusOut)
+        m_list->clearSelection();
+    return QWidget::eventFilter(watched, event);
 }
 
 QAction* DescriptorPanel::command(const QString& key) const
@@ -90,7 +103,7 @@ void DescriptorPanel::refresh()
             row->setCheckState(m_field->SearchListeCheck(item) ? Qt::Checked : Qt::Unchecked);
         const bool isCurrent = m_multiple ? item == kept : m_field->SearchListeCheck(item);
         if (isCurrent)
-            m_list->setCurrentItem(row);
+            choose(m_list->row(row));
     };
     if (!m_multiple && m_field->AllowNull())
         add({}, u"(aucun)"_s);
@@ -102,8 +115,24 @@ void DescriptorPanel::refresh()
             add(item, item + u" (hors liste)"_s);
     }
     if (!m_list->currentItem() && m_list->count() > 0)
-        m_list->setCurrentRow(0);
+        choose(0);
+    showChosen();
     updateCommands();
+}
+
+/// What is chosen is seen first, in a list longer than its place.
+void DescriptorPanel::showChosen()
+{
+    for (int row = 0; m_multiple && !m_list->hasFocus() && row < m_list->count(); ++row) {
+        if (m_list->item(row)->checkState() == Qt::Checked)
+            return m_list->scrollToItem(m_list->item(row));
+    }
+}
+
+void DescriptorPanel::choose(int row)
+{
+    const bool seen = !m_multiple || m_list->hasFocus();
+    m_list->setCurrentRow(row, seen ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate);
 }
 
 void DescriptorPanel::setReadOnly(bool readOnly)
@@ -174,7 +203,7 @@ void DescriptorPanel::addItem()
     refresh();
     for (int row = 0; row < m_list->count(); ++row) {
         if (m_list->item(row)->data(itemRole).toString() == added) {
-            m_list->setCurrentRow(row);
+            choose(row);
             if (m_multiple)
                 m_list->item(row)->setCheckState(Qt::Checked);
         }
@@ -213,7 +242,7 @@ void DescriptorPanel::move(int by)
     refresh();
     for (int row = 0; row < m_list->count(); ++row) {
         if (m_list->item(row)->data(itemRole).toString() == item)
-            m_list->setCurrentRow(row);
+            choose(row);
     }
 }
 

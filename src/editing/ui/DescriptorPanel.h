@@ -29,8 +29,18 @@ Q_SIGNALS:
     void edited(); ///< The user chose otherwise.
     void renewed(); ///< The vocabulary changed, and the field's value with it where it had to.
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
-    void addCommand(const QString& key, const QString& icon, const QString& text, void (DescriptorPanel::*run)());
+    struct Command {
+        QString key, icon;
+        QString sign; ///< Where the theme has no icon.
+        QString text;
+    };
+    void addCommand(const Command& command, void (DescriptorPanel::*run)());
+    void choose(int row);
+    void showChosen();
     ListField listField() const;
     QString current() const;
     bool relay(const QString& action);

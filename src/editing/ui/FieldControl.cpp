@@ -33,6 +33,14 @@ void FieldControl::watch(QWidget* editor)
     setFocusProxy(editor);
 }
 
+void FieldControl::shade(QWidget* editor, bool readOnly)
+{
+    QPalette palette;
+    if (readOnly)
+        palette.setColor(QPalette::Base, editor->palette().color(QPalette::Window));
+    editor->setPalette(palette);
+}
+
 bool FieldControl::handleKey(QKeyEvent* event)
 {
     switch (event->key()) {

@@ -57,6 +57,8 @@ Q_SIGNALS:
     void previousWanted();
 
 protected:
+    /// The look of what can only be read.
+    static void shade(QWidget* editor, bool readOnly);
     /// Sets a widget up as the one that is typed into.
     void watch(QWidget* editor);
     /// Acts on a key of the editor; true when it is used up.

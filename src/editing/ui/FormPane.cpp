@@ -11,6 +11,7 @@ namespace {
 
 constexpr int wideSpacing = 8, narrowSpacing = 2;
 constexpr int widestForm = 900; // longer lines are hard to read
+constexpr int widestCaption = 260;
 
 /// A red that can be read on the palette's window colour.
 QPalette errorPalette(const QWidget& widget)
@@ -135,8 +136,11 @@ void FormPane::place(QGridLayout& grid, QLabel* caption, QWidget* field, QLabel*
     }
     caption->setAlignment(Qt::AlignRight | Qt::AlignTop);
     caption->setContentsMargins(0, 4, 0, 0);
-    caption->setMaximumWidth(260);
-    caption->setWordWrap(true);
+    // A label that may wrap asks for little width: only those that must.
+    if (caption->sizeHint().width() > widestCaption) {
+        caption->setWordWrap(true);
+        caption->setFixedWidth(widestCaption);
+    }
     grid.addWidget(caption, row, 0);
     grid.addWidget(field, row, 1);
     if (error)
@@ -147,7 +151,12 @@ void FormPane::addRow(QGridLayout& grid, const FormRow& row, FormLayout layout)
 {
     QWidget* owner = grid.parentWidget();
     const bool compact = layout == FormLayout::Condensed;
-    FieldControl* control = createControl(row.field->controlClass(), *row.field, m_world, owner, compact);
+    m_owner = owner;
+    m_compact = compact;
+    row.field->CreateCtrl(*this);
+    FieldControl* control = m_made;
+    if (!control)
+        return;
     control->setReadOnly(row.readOnly);
     control->setToolTip(row.field->TextHelp());
     const bool required = !row.field->AllowNull() && !row.readOnly;
@@ -169,7 +178,7 @@ void FormPane::addRow(QGridLayout& grid, const FormRow& row, FormLayout layout)
     error->setPalette(errorPalette(*error));
     error->hide();
     place(grid, caption, control, error, layout);
-    m_rows << Row{control, caption, error, row.readOnly, false};
+    m_rows << Row{control, caption, error, row.field->Control(), row.readOnly, false};
     connectRow(control);
 }
 
@@ -180,9 +189,27 @@ void FormPane::addText(QGridLayout& grid, const FormRow& row, FormLayout layout)
     text->setTextFormat(Qt::PlainText);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     caption->setForegroundRole(QPalette::PlaceholderText);
-    place(grid, caption, text, nullptr, layout);
-    if (layout != FormLayout::Above)
-        text->setContentsMargins(0, 4, 0, 0);
+    if (layout == FormLayout::Above)
+        return place(grid, caption, text, nullptr, layout);
+    // Such captions are long: they do not widen the column of the others.
+    auto* line = new QHBoxLayout;
+    line->setSpacing(wideSpacing);
+    line->addWidget(caption);
+    line->addWidget(text, 1);
+    grid.addLayout(line, grid.rowCount(), 0, 1, 2);
+}
+
+// --- What controls are put into ------------------------------------------------------------------
+
+bool FormPane::hasControl(const QString& name) const
+{
+    return std::any_of(m_rows.begin(), m_rows.end(), [&](const Row& row) { return row.name == name; });
+}
+
+void FormPane::addControl(const QString& className, const QString& name, Cl_Edition& parent)
+{
+    Q_UNUSED(name) // kept with the row, once it is one
+    m_made = createControl(className, parent, m_world, m_owner, m_compact);
 }
 
 void FormPane::connectRow(FieldControl* control)

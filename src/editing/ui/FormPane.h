@@ -29,7 +29,7 @@ enum class FormLayout {
 
 /// Return goes from field to field in their order. The reason why a value cannot be saved stands under its field, at once
 /// for what was typed; that a required field is still empty is said once it was left, or once a save was tried.
-class FormPane : public QScrollArea {
+class FormPane : public QScrollArea, private ControlContainer {
     Q_OBJECT
 public:
     explicit FormPane(QWidget* parent = nullptr);
@@ -60,6 +60,7 @@ private:
         FieldControl* control = nullptr;
         QLabel* caption = nullptr;
         QLabel* error = nullptr;
+        QString name; ///< Of the control in this container.
         bool readOnly = false;
         bool touched = false;
     };
@@ -67,6 +68,9 @@ private:
     void addRow(QGridLayout& grid, const FormRow& row, FormLayout layout);
     void addText(QGridLayout& grid, const FormRow& row, FormLayout layout);
     void place(QGridLayout& grid, QLabel* caption, QWidget* field, QLabel* error, FormLayout layout);
+    int controlCount() const override { return int(m_rows.size()); }
+    bool hasControl(const QString& name) const override;
+    void addControl(const QString& className, const QString& name, Cl_Edition& parent) override;
     void connectRow(FieldControl* control);
     void showError(Row& row);
     void step(FieldControl* from, int by);
@@ -75,6 +79,9 @@ private:
     ControlWorld m_world;
     QList<Row> m_rows;
     FieldControl* m_current = nullptr;
+    FieldControl* m_made = nullptr; ///< By the last call of addControl, in this owner.
+    QWidget* m_owner = nullptr;
+    bool m_compact = false;
     bool m_all = false;
 };
 

@@ -126,13 +126,14 @@ void Listes::fitInline()
     QListWidget& list = m_panel->list();
     const int rows = std::clamp(list.count(), fewestRows, mostRows);
     const int rowHeight = std::max(list.sizeHintForRow(0), list.fontMetrics().height() + 4);
-    list.setFixedHeight(std::max(rows * rowHeight + 2 * list.frameWidth() + 2, m_panel->commandsHeight()));
+    list.setFixedHeight(rows * rowHeight + 2 * list.frameWidth() + 2);
 }
 
 void Listes::setReadOnly(bool readOnly)
 {
     m_readOnly = readOnly;
     m_panel->setReadOnly(readOnly);
+    shade(editor(), readOnly);
     if (m_line)
         m_line->setReadOnly(readOnly || m_multiple);
     if (m_open)
@@ -181,7 +182,7 @@ void Listes::openList()
     QListWidget& list = m_panel->list();
     const int rowHeight = std::max(list.sizeHintForRow(0), list.fontMetrics().height() + 4);
     const int rows = std::clamp(list.count() + 1, 6, popupRows);
-    m_popup->resize(std::max(width(), 240), rows * rowHeight + 8);
+    m_popup->resize(std::max(width(), 240), rows * rowHeight + m_panel->commandsHeight() + 8);
     QPoint place = mapToGlobal(QPoint(0, height()));
     const QRect room = screen()->availableGeometry();
     if (place.y() + m_popup->height() > room.bottom())

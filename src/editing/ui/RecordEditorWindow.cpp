@@ -24,7 +24,7 @@ constexpr int messageMilliseconds = 5000;
 RecordEditorWindow::RecordEditorWindow(IndividualEditing& editing, EditorSurroundings surroundings, QWidget* parent)
     : QMainWindow(parent), m_editing(editing), m_around(std::move(surroundings)), m_actions(new EditorActions(*this)),
       m_model(new EditTreeModel(editing, m_around.icon, this)), m_tree(new EditTreeView(*m_model, this)),
-      m_pane(new FormPane(this)), m_help(new QPlainTextEdit(this)), m_stack(new QStackedWidget(this)),
+      m_pane(new FormPane(this)), m_help(new QPlainTextEdit(this)), m_object(new QPlainTextEdit(this)), m_stack(new QStackedWidget(this)),
       m_tabs(new QTabWidget(this)), m_splitter(new QSplitter(this)), m_place(new QLabel(this)),
       m_draft(new DraftKeeper(m_around.draftFile, [this] { return m_editing.draft(); }, this)),
       m_held(new HeldKeys(*this))
@@ -70,8 +70,12 @@ void RecordEditorWindow::arrange()
         m_tabs->addTab(page, text);
     };
     tab(m_stack, u"Item"_s, u"Champs"_s);
-    tab(new QWidget(this), u"Object"_s, u"Objet"_s);
+    m_object->setAccessibleName(u"Objet"_s);
+    m_object->setReadOnly(true);
+    m_object->setFrameShape(QFrame::NoFrame);
+    tab(m_object, u"Object"_s, u"Objet"_s);
     makePictureTab();
+    connect(m_tabs, &QTabWidget::currentChanged, this, &RecordEditorWindow::showObject);
     m_splitter->setObjectName(u"volets"_s);
     m_splitter->addWidget(m_tree);
     m_splitter->addWidget(m_tabs);
@@ -352,9 +356,17 @@ void RecordEditorWindow::updateState()
     a.list->setEnabled(!m_editing.listText().isEmpty());
     m_place->setText(m_editing.listText());
     showPictures();
+    if (m_tabs->currentWidget() == m_object)
+        showObject();
     const QString what = root ? m_editing.nodeCaption(*m_editing.node(root->key)) : m_editing.caption();
     setWindowTitle(what + u"[*]"_s + (m_around.project.isEmpty() ? QString() : u" - "_s + m_around.project));
     setWindowModified(toSave);
+}
+
+void RecordEditorWindow::showObject()
+{
+    const EditedRecord* current = m_editing.current();
+    m_object->setPlainText(current ? m_editing.about(*current) : QString());
 }
 
 void RecordEditorWindow::setMode(QAction* mode)
@@ -473,13 +485,15 @@ bool RecordEditorWindow::offerDraft()
     const QJsonObject kept = m_draft->kept();
     if (kept.isEmpty())
         return false;
-    const bool wanted = m_around.dialogues.confirm(
-        u"Des saisies qui n'avaient pas été enregistrées ont été retrouvées.\nVoulez-vous les reprendre ?"_s,
-        m_editing.caption());
-    if (!wanted) {
+    using platform::Answer;
+    const Answer answer = m_around.dialogues.ask(
+        {u"Des saisies qui n'avaient pas été enregistrées ont été retrouvées.\nVoulez-vous les reprendre ?\n\n"
+         "Non les efface ; Annuler les garde pour la prochaine ouverture."_s,
+         m_editing.caption(), platform::BoxIcon::Question, platform::BoxButtons::YesNoCancel});
+    if (answer == Answer::No)
         m_draft->discard();
+    if (answer != Answer::Yes)
         return false;
-    }
     if (!m_editing.restoreDraft(kept)) {
         m_around.dialogues.tell(u"Les enregistrements concernés n'existent plus : la saisie reste dans le fichier\n"_s
                                     + m_around.draftFile,
@@ -507,9 +521,9 @@ void RecordEditorWindow::restorePlaces()
 {
     const auto read = [this](const QString& key) { return m_around.remembered ? m_around.remembered(key) : QVariant(); };
     if (!restoreGeometry(read(geometryKey).toByteArray()))
-        resize(1000, 680);
+        resize(1160, 760);
     if (!m_splitter->restoreState(read(splitterKey).toByteArray()))
-        m_splitter->setSizes({280, 720});
+        m_splitter->setSizes({370, 790});
     for (QAction* mode : {m_actions->modeVertical, m_actions->modeCondensed, m_actions->modeSingle}) {
         if (mode->objectName() == read(modeKey).toString())
             mode->setChecked(true);

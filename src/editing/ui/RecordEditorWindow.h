@@ -47,6 +47,7 @@ public:
     bool EditItems(const QString& path);
     /// Offers what an earlier run left unsaved; true when it was taken up.
     bool offerDraft();
+    IndividualEditing& editing() { return m_editing; }
     FormPane& pane() { return *m_pane; }
     EditTreeView& tree() { return *m_tree; }
     EditorActions& actions() { return *m_actions; }
@@ -74,6 +75,7 @@ private:
     EditedRecord* recordOf(const Cl_Edition& field) const;
     void takeFiles(Cl_Edition& field, const QStringList& files);
     void updateState();
+    void showObject();
     void fillAddMenu();
     void fillRefreshMenu();
     void chooseParent();
@@ -94,6 +96,7 @@ private:
     EditTreeView* m_tree;
     FormPane* m_pane;
     QPlainTextEdit* m_help;
+    QPlainTextEdit* m_object;
     QStackedWidget* m_stack;
     QTabWidget* m_tabs;
     QSplitter* m_splitter;

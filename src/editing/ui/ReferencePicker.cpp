@@ -76,6 +76,7 @@ void ReferencePicker::Refresh()
 void ReferencePicker::setReadOnly(bool readOnly)
 {
     m_line->setReadOnly(readOnly);
+    shade(m_line, readOnly);
     m_line->setPlaceholderText(readOnly ? QString() : hint(ClParent()->ctype()));
 }
 

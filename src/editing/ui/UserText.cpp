@@ -45,7 +45,7 @@ UserText::UserText(Cl_Edition& parent, const ControlWorld& world, QWidget* owner
         makeMemo(compact);
     else
         makeLine();
-    layout->addWidget(editor());
+    layout->addWidget(editor(), 0, m_yesNo ? Qt::AlignLeft : Qt::Alignment());
     watch(editor());
     if (parent.ctype() == data::Image && this->world().dialogues) {
         m_browse = new QToolButton(this);
@@ -137,6 +137,7 @@ void UserText::setReadOnly(bool readOnly)
         m_yesNo->setEnabled(!readOnly);
     if (m_browse)
         m_browse->setEnabled(!readOnly);
+    shade(editor(), readOnly);
     if (m_line)
         m_line->setPlaceholderText(readOnly ? QString() : example(ClParent()->ctype()));
 }

@@ -222,9 +222,13 @@ TEST_F(RecordEditorTest, TypingIsFoundAgainAfterACrash)
     type(u"Z"_s);
     window->draft().flush(); // as the clock does
     open();
-    project.dialogues.expectConfirm(
-        u"Des saisies qui n'avaient pas été enregistrées ont été retrouvées.\nVoulez-vous les reprendre ?"_s, u"Herbora"_s,
-        true);
+    const platform::Message question{
+        u"Des saisies qui n'avaient pas été enregistrées ont été retrouvées.\nVoulez-vous les reprendre ?\n\n"
+        "Non les efface ; Annuler les garde pour la prochaine ouverture."_s,
+        u"Herbora"_s, BoxIcon::Question, BoxButtons::YesNoCancel};
+    project.dialogues.expect(question, Answer::Cancel);
+    EXPECT_FALSE(window->offerDraft());
+    project.dialogues.expect(question, Answer::Yes);
     EXPECT_TRUE(window->offerDraft());
     EXPECT_TRUE(edit->ToSave());
     EXPECT_TRUE(edit->form(*edit->current()).Item(u"Numéro"_s)->value().toString().contains(u'Z'));
