@@ -128,24 +128,48 @@ QList<QPair<qsizetype, QString>> BatchReplace::errors() const
     return found;
 }
 
-qint64 BatchReplace::count(const QString& from, const QString& where) const
+ReplacePlan BatchReplace::plan() const
 {
-    const auto counted = m_database.OpenRecordset(u"SELECT Count(*) FROM "_s + from + u" WHERE "_s + where);
-    return counted->Value(0).toLongLong();
+    const QString table = nom(m_module.name);
+    const auto count = [](const QString& from, const QString& where) {
+        return u"SELECT Count(*) FROM "_s + from + u" WHERE "_s + where;
+    };
+    ReplacePlan plan;
+    plan.title = u"Remplacement dans la table "_s + m_module.name;
+    plan.update = statement();
+    plan.changed = count(source(), condition());
+    plan.locked = count(table, scopeCondition() + table + u".[Locked]=True"_s);
+    plan.open = count(table, scopeCondition() + table + u".[Locked]=False"_s);
+    QStringList pairs;
+    for (const Replacement& row : rows)
+        pairs << field(row) << u'(' + expression(row) + u')';
+    const QString id = table + u'.' + nom(m_module.idColumn());
+    const QString rest = u" FROM "_s + source() + u" WHERE "_s + condition();
+    plan.values = u"SELECT "_s + pairs.join(u", "_s) + rest;
+    plan.preview = u"SELECT "_s + id + u", "_s + pairs.join(u", "_s) + rest + u" ORDER BY "_s + id;
+    return plan;
 }
 
 ReplaceCounts BatchReplace::counts() const
 {
-    const QString table = nom(m_module.name);
+    return replaceCounts(m_database, plan());
+}
+
+QList<ReplacePreview> BatchReplace::preview(int records) const
+{
+    return replacePreview(m_database, plan(), records);
+}
+
+ReplaceCounts replaceCounts(jet::Database& database, const ReplacePlan& plan)
+{
+    const auto count = [&database](const QString& statement) {
+        return database.OpenRecordset(statement)->Value(0).toLongLong();
+    };
     ReplaceCounts result;
-    result.changed = count(source(), condition());
-    result.locked = count(table, scopeCondition() + table + u".[Locked]=True"_s);
-    result.missed = count(table, scopeCondition() + table + u".[Locked]=False"_s) - result.changed;
-    QStringList pairs;
-    for (const Replacement& row : rows)
-        pairs << field(row) << u'(' + expression(row) + u')';
-    const auto values = m_database.OpenRecordset(u"SELECT "_s + pairs.join(u", "_s) + u" FROM "_s + source()
-                                                 + u" WHERE "_s + condition());
+    result.changed = count(plan.changed);
+    result.locked = count(plan.locked);
+    result.missed = count(plan.open) - result.changed;
+    const auto values = database.OpenRecordset(plan.values);
     while (!values->EOF_()) {
         for (const std::vector<QVariant>& row : values->GetRows(pieceSize)) {
             bool same = true;
@@ -157,13 +181,9 @@ ReplaceCounts BatchReplace::counts() const
     return result;
 }
 
-QList<ReplacePreview> BatchReplace::preview(int records) const
+QList<ReplacePreview> replacePreview(jet::Database& database, const ReplacePlan& plan, int records)
 {
-    QStringList columns{nom(m_module.name) + u'.' + nom(m_module.idColumn())};
-    for (const Replacement& row : rows)
-        columns << field(row) << u'(' + expression(row) + u')';
-    const auto values = m_database.OpenRecordset(u"SELECT "_s + columns.join(u", "_s) + u" FROM "_s + source()
-                                                 + u" WHERE "_s + condition() + u" ORDER BY "_s + columns.first());
+    const auto values = database.OpenRecordset(plan.preview);
     QList<ReplacePreview> result;
     if (values->EOF_())
         return result;
@@ -176,6 +196,18 @@ QList<ReplacePreview> BatchReplace::preview(int records) const
         result << shown;
     }
     return result;
+}
+
+int runReplacement(jet::Database& database, const ReplacePlan& plan, qint64 announced)
+{
+    jet::Operation operation(database, plan.title);
+    const int changed = database.Execute(plan.update);
+    if (changed != announced)
+        throw RowRefused{u"Le nombre d'enregistrements modifiés ("_s + QString::number(changed)
+                         + u") n'est pas celui qui était annoncé ("_s + QString::number(announced)
+                         + u"). Rien n'a été modifié."_s};
+    operation.commit();
+    return changed;
 }
 
 QString BatchReplace::question() const
@@ -192,21 +224,12 @@ std::optional<int> BatchReplace::execute()
 {
     const QString report = u"Remplacement dans la table "_s + m_module.name;
     try {
-        const QString text = statement();
-        const qint64 announced = count(source(), condition());
+        const ReplacePlan ready = plan();
+        const qint64 announced = m_database.OpenRecordset(ready.changed)->Value(0).toLongLong();
         if (!m_dialogues.confirm(question(), title()))
             return {};
-        jet::Operation operation(m_database, report);
-        const int changed = m_database.Execute(text);
-        if (changed != announced) {
-            m_dialogues.tell(u"Le nombre d'enregistrements modifiés ("_s + QString::number(changed)
-                                 + u") n'est pas celui qui était annoncé ("_s + QString::number(announced)
-                                 + u"). Rien n'a été modifié."_s,
-                             report, platform::BoxIcon::Stop);
-            return {};
-        }
-        operation.commit();
-        m_dialogues.tell(QString::number(changed) + u" enregistrement(s) mis à jour"_s, report);
+        const int changed = runReplacement(m_database, ready, announced);
+        m_dialogues.tell(replacedText(changed), report);
         return changed;
     } catch (const RowRefused& refused) {
         m_dialogues.tell(refused.text, report, platform::BoxIcon::Stop);

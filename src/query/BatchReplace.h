@@ -28,6 +28,17 @@ struct ReplaceCounts {
     qint64 missed = 0;    ///< Not reached by the statement: records without a taxon of a module that has taxa.
 };
 
+/// The statements of a replacement, ready to run on whatever thread has the database.
+struct ReplacePlan {
+    QString title; ///< "Remplacement dans la table Individus"
+    QString update;
+    QString changed; ///< Counts the records that will be written …
+    QString locked;  ///< … that are locked …
+    QString open;    ///< … and all that are not.
+    QString values;  ///< Values before and after in turn.
+    QString preview; ///< The same behind the identifier, in its order.
+};
+
 /// A record before and after.
 struct ReplacePreview {
     qint32 id = 0;
@@ -54,8 +65,11 @@ public:
     QString SQLEdition(const Replacement& row) const;
     /// The whole statement. Throws RowRefused.
     QString statement() const;
+    ReplacePlan plan() const; ///< Throws RowRefused.
     ReplaceCounts counts() const;
     QList<ReplacePreview> preview(int records) const;
+    /// What is asked before anything is changed.
+    QString question() const;
     QList<QPair<qsizetype, QString>> errors() const; ///< Row and text.
     /// Asks, changes, tells. Gives the number of records changed; nothing when the user said no or it failed, and then
     /// nothing is changed.
@@ -72,8 +86,6 @@ private:
     QString source() const;
     QString scopeCondition() const;
     QString condition() const;
-    qint64 count(const QString& from, const QString& where) const;
-    QString question() const;
 
     jet::Database& m_database;
     const platform::Clock& m_clock;
@@ -82,6 +94,17 @@ private:
     data::ModuleRecord m_module;
     std::optional<QList<qint32>> m_selection;
 };
+
+/// These throw jet::Error; 3059 when the user stopped them.
+ReplaceCounts replaceCounts(jet::Database& database, const ReplacePlan& plan);
+QList<ReplacePreview> replacePreview(jet::Database& database, const ReplacePlan& plan, int records);
+/// Changes exactly as many records as announced, as one named operation; throws RowRefused when there are more or fewer,
+/// and then nothing is changed.
+int runReplacement(jet::Database& database, const ReplacePlan& plan, qint64 announced);
+inline QString replacedText(int changed)
+{
+    return QString::number(changed) + QStringLiteral(" enregistrement(s) mis à jour");
+}
 
 /// The value of a row as an expression on its field, which is written in brackets already.
 QString replaceValue(int ctype, const QString& field, const QString& value, const editing::EditingContext& context);

@@ -23,6 +23,7 @@ struct Criterion {
 /// Rows from top to bottom. A depth is never more than one above that of the row before it.
 class Criteria {
 public:
+    bool operator==(const Criteria&) const = default;
     const QList<Criterion>& rows() const { return m_rows; }
     qsizetype count() const { return m_rows.size(); }
     const Criterion& at(qsizetype row) const { return m_rows.at(row); }

@@ -113,6 +113,14 @@ bool Query::rename()
     return true;
 }
 
+void Query::begin(const QueryDefinition& definition, const QString& name)
+{
+    if (m_structure.NomModule() != definition.module)
+        m_structure.setNomModule(definition.module);
+    m_kind = data::kindRequête;
+    take(definition, name, 0);
+}
+
 void Query::restore(const QueryDefinition& definition)
 {
     m_definition = definition;
@@ -215,6 +223,13 @@ void Query::setTextSQLSelect(const QString& text)
 void Query::setTextSQLWhere(const QString& text)
 {
     m_ownWhere = text;
+    Q_EMIT Query_Change();
+}
+
+void Query::forgetOwnTexts()
+{
+    m_ownSelect.clear();
+    m_ownWhere.clear();
     Q_EMIT Query_Change();
 }
 

@@ -61,6 +61,8 @@ public:
     bool rename();
     /// What saving is announced with.
     QString savedText() const;
+    /// A definition made elsewhere, under that name; nothing of it is unsaved.
+    void begin(const QueryDefinition& definition, const QString& name);
     /// Takes back an earlier state of columns and criteria; the name stays.
     void restore(const QueryDefinition& definition);
     /// Asks whether a changed query is to be saved. True when the window may close.
@@ -70,8 +72,10 @@ public:
 
     // --- Output columns ----------------------------------------------------------------------
     const QList<OutputColumn>& columns() const { return m_definition.columns; }
-    /// Gives its position; -1 for an unknown field. The alias is the caption, numbered when it is taken.
-    int addColumn(const QString& path);
+    /// Gives its position; -1 for an unknown field. The alias is by default the caption; it is numbered when it is taken.
+    int addColumn(const QString& path, const QString& alias = {});
+    /// Adds what people read of a field: of a person, a place or a taxon its name instead of its number.
+    int addReadableColumn(const QString& path);
     void removeColumn(int column);
     void moveColumn(int from, int to);
     void setOrder(int column, const QString& order);
@@ -106,8 +110,8 @@ public:
     void insertTerms(const QString& path, const QStringList& terms);
     /// Asks on which field of the type.
     bool insertTerms(int ctype, const QStringList& terms);
-    /// Records of the root by their identifiers, as one list.
-    void insertIdentifiers(const QList<qint32>& ids);
+    /// Records of the root, or of another module, by their identifiers, as one list.
+    void insertIdentifiers(const QList<qint32>& ids, const QString& module = {});
     bool askIdentifiers(); ///< Asks for a series.
     void insertPlaces(const QList<qint32>& localities); ///< "insertmap"
     /// The criteria of other saved queries of the module, chosen in a list.
@@ -133,6 +137,7 @@ public:
     /// Texts of the user's own; they hold until the next change of a grid.
     void setTextSQLSelect(const QString& text);
     void setTextSQLWhere(const QString& text);
+    void forgetOwnTexts();
     /// The whole statement; empty when it cannot be built. Too many criteria are said in a box.
     QString SQLStatement() const;
     QString TextSQLStatement() const { return SQLStatement(); }

@@ -27,6 +27,7 @@ struct QueryDefinition {
     QString mode = modeData;
     QList<OutputColumn> columns;
     Criteria criteria;
+    bool operator==(const QueryDefinition&) const = default;
 };
 
 /// There are too many rows of criteria.

@@ -75,14 +75,28 @@ int Query::columnOf(const QString& alias) const
     return -1;
 }
 
-int Query::addColumn(const QString& path)
+int Query::addColumn(const QString& path, const QString& alias)
 {
     const Node* field = m_structure.node(path);
     if (!field)
         return -1;
-    m_definition.columns << OutputColumn{m_structure.path(*field), freeAlias(field->text), {}, {}};
+    m_definition.columns << OutputColumn{m_structure.path(*field), freeAlias(alias.isEmpty() ? field->text : alias), {}, {}};
     changed();
     return int(m_definition.columns.size()) - 1;
+}
+
+int Query::addReadableColumn(const QString& path)
+{
+    static const QHash<int, QString> names{
+        {data::Botaniste, u"Collecteur"_s}, {data::Localité, u"Nom Entier"_s}, {data::Taxon, u"Nom Complet"_s}};
+    const Node* field = m_structure.node(path);
+    if (field && field->field) {
+        for (const auto& child : field->children) {
+            if (child->champ() == names.value(field->ctype()))
+                return addColumn(m_structure.path(*child), field->text);
+        }
+    }
+    return addColumn(path);
 }
 
 void Query::removeColumn(int column)
@@ -269,9 +283,11 @@ bool Query::insertTerms(int ctype, const QStringList& terms)
     return true;
 }
 
-void Query::insertIdentifiers(const QList<qint32>& ids)
+void Query::insertIdentifiers(const QList<qint32>& ids, const QString& module)
 {
-    insertGroup({{.path = rootPath(), .op = u"IN"_s, .value = jet::liste(ids)}});
+    const QString path = module.isEmpty() ? rootPath() : m_structure.PathFromPermanent(module, {});
+    if (!path.isEmpty())
+        insertGroup({{.path = path, .op = u"IN"_s, .value = jet::liste(ids)}});
 }
 
 bool Query::askIdentifiers()

@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QLocale>
 #include <QLoggingCategory>
+#include <numeric>
 
 namespace query {
 
@@ -45,6 +46,23 @@ QString cellText(const QVariant& value, const QString& format)
 }
 
 Results::Results(jet::Database& database) : m_database(database), m_pieces(piecesKept) {}
+
+QString clipboardText(const RowTexts& rows)
+{
+    return platform::csvText(rows);
+}
+
+QString clipboardTable(const RowTexts& rows)
+{
+    QString table = u"<table>"_s;
+    for (const QStringList& cells : rows) {
+        table += u"<tr>"_s;
+        for (const QString& cell : cells)
+            table += u"<td>"_s + cell.toHtmlEscaped().replace(u'\n', u"<br>"_s) + u"</td>"_s;
+        table += u"</tr>\n"_s;
+    }
+    return table + u"</table>"_s;
+}
 
 void Results::clear()
 {
@@ -176,17 +194,28 @@ void Results::RemoveCol(int col)
         m_shown.removeAt(col);
 }
 
+void Results::showAllCols()
+{
+    m_shown.resize(m_columns.size());
+    std::iota(m_shown.begin(), m_shown.end(), 0);
+}
+
 SortState Results::Sorted(int col) const
 {
     return col >= 0 && col < Cols() ? m_columns[m_shown[col]].sort : SortState::None;
 }
 
+QString Results::orderedBy(int col, bool descending) const
+{
+    const bool known = col >= 0 && col < Cols() && !m_columns[m_shown[col]].expression.isEmpty();
+    return known ? query::orderedBy(m_statement, m_columns[m_shown[col]].expression, descending) : QString();
+}
+
 bool Results::ColSort(int col, bool descending)
 {
-    if (col < 0 || col >= Cols() || m_columns[m_shown[col]].expression.isEmpty())
-        return false;
+    const QString statement = orderedBy(col, descending);
     const QList<int> shown = m_shown;
-    const bool done = Refresh(orderedBy(m_statement, m_columns[m_shown[col]].expression, descending));
+    const bool done = !statement.isEmpty() && Refresh(statement);
     if (done)
         m_shown = shown;
     return done;
@@ -362,13 +391,24 @@ qint32 Results::item(qint64 number) const
     return number >= 0 && number < CountRow() ? m_items[size_t(number)] : 0;
 }
 
-QList<qint32> Results::individus()
+/// Past what is kept for showing.
+QList<qint32> Results::individusOf(const QList<qint64>& rows)
 {
     QList<qint32> ids;
-    ids.reserve(CountRow());
-    for (qint64 number = 0; number < CountRow(); ++number)
-        ids << individu(number);
+    ids.reserve(rows.size());
+    for (const qint64 number : rows) {
+        if (!m_one)
+            m_rows->SetAbsolutePosition(number);
+        ids << (m_one ? item(number) : m_rows->Value(columnIndividu).toInt());
+    }
     return ids;
+}
+
+QList<qint32> Results::individus()
+{
+    QList<qint64> rows(CountRow());
+    std::iota(rows.begin(), rows.end(), 0);
+    return individusOf(rows);
 }
 
 qint64 Results::rowOf(qint32 id) const
@@ -428,10 +468,7 @@ QList<qint32> Results::selectedIds() const
 
 QList<qint32> Results::selectedIndividus()
 {
-    QList<qint32> ids;
-    for (const qint64 number : selectedRows())
-        ids << individu(number);
-    return ids;
+    return individusOf(selectedRows());
 }
 
 QString Results::SelectedItems() const { return jet::liste(selectedIds()); }
@@ -449,12 +486,31 @@ void Results::RefreshSelectedItems(const QList<qint32>& ids)
         m_wanted.clear();
 }
 
+RowTexts Results::copyTexts(platform::Progression* progression)
+{
+    RowTexts texts;
+    const QList<qint64> rows = selectedRows();
+    for (qsizetype at = 0; at < rows.size();) {
+        qsizetype end = at + 1; // rows that follow each other are read at once
+        while (end < rows.size() && rows[end] == rows[end - 1] + 1 && end - at < exportPiece)
+            ++end;
+        if (progression && progression->cancelled())
+            jet::fail(stoppedByUser);
+        if (progression)
+            progression->step(u"Copie des lignes"_s, int(100 * at / rows.size()));
+        for (const Row& row : read(rows[at], rows[end - 1] + 1)) {
+            QStringList& cells = texts.emplace_back();
+            for (int col = 0; col < Cols(); ++col)
+                cells << text(row, col);
+        }
+        at = end;
+    }
+    return texts;
+}
+
 QString Results::copyRows()
 {
-    QList<QStringList> rows;
-    for (const qint64 number : selectedRows())
-        rows << rowTexts(number);
-    return platform::csvText(rows);
+    return clipboardText(copyTexts());
 }
 
 QString Results::textSelection() const { return u"Sel.  "_s + QString::number(CountSel()); }

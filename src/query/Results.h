@@ -13,6 +13,12 @@
 
 namespace query {
 
+using RowTexts = QList<QStringList>;
+
+/// Rows for the clipboard: in the form of the export, and as a table for spreadsheets.
+QString clipboardText(const RowTexts& rows);
+QString clipboardTable(const RowTexts& rows);
+
 /// What the control `Requête` knows.
 ///
 /// The record set stays open and is positioned, never read whole; a row is known by its identifier, cells are read in
@@ -47,6 +53,7 @@ public:
     /// Why there is no result, or why rows are missing: 3059 when the user stopped it.
     const std::optional<jet::Error>& error() const { return m_error; }
     jet::Recordset* RecordSet() const { return m_rows.get(); }
+    jet::Database* database() const { return &m_database; }
     QString NomModule() const; ///< From the second column ("ID " and the module).
     double seconds() const { return m_seconds; }
 
@@ -55,8 +62,11 @@ public:
     QString HeaderColumn(int col) const;
     QStringList Header() const;
     void RemoveCol(int col); ///< From what is shown.
+    void showAllCols();
     SortState Sorted(int col) const;
     jet::DataType type(int col) const;
+    /// The statement with that order alone; empty for a column that cannot be sorted by.
+    QString orderedBy(int col, bool descending) const;
     /// Rewrites the order and runs again; for a column without sort ascending.
     bool ColSort(int col, bool descending);
 
@@ -81,7 +91,7 @@ public:
     qint32 individu(qint64 row);
     qint32 item(qint64 row) const; ///< Reads nothing.
     const std::vector<qint32>& items() const { return m_items; }
-    QList<qint32> individus(); ///< Of every row found.
+    QList<qint32> individus(); ///< Of every row found. Throws jet::Error.
     /// The first row of a record; -1 for none.
     qint64 rowOf(qint32 item) const;
 
@@ -99,6 +109,8 @@ public:
     QList<qint64> selectedRows() const;
     /// Marks the rows of these records, also those that are found later.
     void RefreshSelectedItems(const QList<qint32>& ids);
+    /// Texts of the selected rows, past what is kept for showing. Throws jet::Error; 3059 when the user stopped it.
+    RowTexts copyTexts(platform::Progression* progression = nullptr);
     QString copyRows(); ///< The selected rows as CopyRowSel puts them on the clipboard.
 
     // --- Status panels -----------------------------------------------------------------------
@@ -119,6 +131,7 @@ private:
     Piece read(qint64 begin, qint64 end);
     QString text(const Row& row, int col) const;
     Row lone(qint64 number);
+    QList<qint32> individusOf(const QList<qint64>& rows);
     qint32 currentItem() const;
     bool nextPiece(Piece& piece, qint64& number, platform::Progression* progression);
     void readHeader();
