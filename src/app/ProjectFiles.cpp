@@ -123,4 +123,20 @@ void moveIntoPlace(const QString& finished, const QString& target)
     flushPath(QFileInfo(target).absolutePath(), O_RDONLY | O_DIRECTORY);
 }
 
+void moveToNewName(const QString& finished, const QString& target)
+{
+    const QByteArray from = QFile::encodeName(finished);
+    const QByteArray to = QFile::encodeName(target);
+    flushPath(finished, O_RDONLY);
+    int result = ::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE);
+    // Not every file system can refuse to replace.
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS) && !QFileInfo::exists(target))
+        result = std::rename(from.constData(), to.constData());
+    if (result != 0 && errno == EEXIST)
+        jet::fail(3204, target);
+    if (result != 0)
+        failFile(u"Impossible de nommer"_s, target);
+    flushPath(QFileInfo(target).absolutePath(), O_RDONLY | O_DIRECTORY);
+}
+
 } // namespace app

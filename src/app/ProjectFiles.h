@@ -17,5 +17,7 @@ void copySafely(const QString& source, const QString& target);
 /// Puts a finished file in the place of another (or of none) and flushes the folder. The target must have no
 /// journal, which would be played into the new file. Throws jet::Error.
 void moveIntoPlace(const QString& finished, const QString& target);
+/// The same to a name that nothing has: 3204 when something appeared there meanwhile.
+void moveToNewName(const QString& finished, const QString& target);
 
 } // namespace app

@@ -109,6 +109,7 @@ QString helpText()
            "      [--module MODULE]             du module, quand plusieurs ont une requête de ce nom\n"
            "      [--sql]                       montre l'instruction sans l'exécuter\n"
            "      [--csv SORTIE]                écrit les lignes dans un fichier\n"
+           "  importer access FICHIER SORTIE    fait un projet d'une ancienne base Access\n"
            "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
            "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
            "  demo FICHIER                      crée le projet de démonstration\n"
@@ -116,7 +117,7 @@ QString helpText()
            "\n"
            "Options\n"
            "  --oui, --non                      répond oui (non) à toutes les questions\n"
-           "  --mot-de-passe MOT                mot de passe du fichier (sql, verifier)\n"
+           "  --mot-de-passe MOT                mot de passe du fichier (sql, verifier, importer)\n"
            "  --help, --version\n"
            "\n"
            "État de sortie : 0 succès, 1 échec, 2 ligne de commande erronée."_s;

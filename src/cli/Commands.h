@@ -12,5 +12,7 @@ int runOptimise(const Arguments& arguments);
 int runVerify(const Arguments& arguments);
 int runDemo(const Arguments& arguments);
 int runRequest(const Arguments& arguments);
+int runImport(const Arguments& arguments); ///< By its first word:
+int runImportAccess(const Arguments& arguments);
 
 } // namespace cli

@@ -14,7 +14,7 @@ int run(const cli::Arguments& arguments)
         {u"creer"_s, cli::runCreate},       {u"infos"_s, cli::runInfos},
         {u"sql"_s, cli::runSql},            {u"optimiser"_s, cli::runOptimise},
         {u"verifier"_s, cli::runVerify},    {u"demo"_s, cli::runDemo},
-        {u"requete"_s, cli::runRequest},
+        {u"requete"_s, cli::runRequest},      {u"importer"_s, cli::runImport},
     };
     if (arguments.has(u"--version"_s)) {
         cli::printLine(u"herbora-cli " HERBORA_VERSION ""_s);

@@ -52,15 +52,7 @@ Index unique(const QString& name, const QStringList& columns, bool ignoreNulls =
     return index;
 }
 
-void ensure(jet::Database& database, const TableDef& table)
-{
-    if (!database.schema().table(table.Name))
-        database.AppendTable(table);
-}
-
-} // namespace
-
-void ensureDictionary(jet::Database& database)
+TableDef dictionaryTable()
 {
     Field type = text(u"Type"_s, 50, true);
     type.DefaultValue = u"\"TabEdit\""_s;
@@ -85,10 +77,10 @@ void ensureDictionary(jet::Database& database)
                     emptyText(u"TextHelp"_s, 255),
                     emptyText(u"ModuleConnexion"_s, 50)};
     table.Indexes = {unique(u"Unique"_s, {u"Type"_s, u"NomModule"_s, u"Table"_s}, true)};
-    ensure(database, table);
+    return table;
 }
 
-void ensureProperties(jet::Database& database)
+TableDef propertiesTable()
 {
     TableDef table{.Name = u"Propriétés"_s};
     table.Fields = {counter(u"ID Prop"_s),
@@ -99,10 +91,10 @@ void ensureProperties(jet::Database& database)
     table.Fields += stamps();
     table.Indexes = {primary(u"ID Prop"_s),
                      unique(u"Unique"_s, {u"Objet"_s, u"Module"_s, u"Nom"_s})};
-    ensure(database, table);
+    return table;
 }
 
-void ensureCollectors(jet::Database& database)
+TableDef collectorsTable()
 {
     Field botanist = number(u"Bot"_s, DataType::Boolean, true);
     botanist.DefaultValue = u"True"_s;
@@ -111,10 +103,10 @@ void ensureCollectors(jet::Database& database)
                     text(u"Initiales"_s, 50, true), botanist, text(u"Organisme"_s, 30)};
     table.Fields += stamps();
     table.Indexes = {primary(u"ID Collecteurs"_s), unique(u"Unique"_s, {u"Collecteur"_s})};
-    ensure(database, table);
+    return table;
 }
 
-void ensureLocalities(jet::Database& database)
+TableDef localitiesTable()
 {
     Field type = number(u"ID Type"_s, DataType::Long, true);
     type.DefaultValue = u"2"_s;
@@ -141,10 +133,10 @@ void ensureLocalities(jet::Database& database)
                      // Listings walk the path codes and the names.
                      {.Name = u"CodeRegion"_s, .Fields = {{u"CodeRegion"_s}}},
                      {.Name = u"Localité"_s, .Fields = {{u"Localité"_s}}}};
-    ensure(database, table);
+    return table;
 }
 
-void ensureTaxa(jet::Database& database)
+TableDef taxaTable()
 {
     TableDef table{.Name = u"Taxons"_s};
     table.Fields = {counter(u"ID Taxons"_s), text(u"Taxon"_s, widthName, true)};
@@ -166,7 +158,45 @@ void ensureTaxa(jet::Database& database)
     // A subtree is the rows that carry its root in the root's rank column, so each is searched often.
     for (const QString& name : links)
         table.Indexes.append({.Name = name, .Fields = {{name}}});
-    ensure(database, table);
+    return table;
+}
+
+void ensure(jet::Database& database, const TableDef& table)
+{
+    if (!database.schema().table(table.Name))
+        database.AppendTable(table);
+}
+
+} // namespace
+
+void ensureDictionary(jet::Database& database)
+{
+    ensure(database, dictionaryTable());
+}
+
+void ensureProperties(jet::Database& database)
+{
+    ensure(database, propertiesTable());
+}
+
+void ensureCollectors(jet::Database& database)
+{
+    ensure(database, collectorsTable());
+}
+
+void ensureLocalities(jet::Database& database)
+{
+    ensure(database, localitiesTable());
+}
+
+void ensureTaxa(jet::Database& database)
+{
+    ensure(database, taxaTable());
+}
+
+QList<TableDef> coreTables()
+{
+    return {dictionaryTable(), propertiesTable(), collectorsTable(), localitiesTable(), taxaTable()};
 }
 
 } // namespace data

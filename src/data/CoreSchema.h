@@ -15,4 +15,7 @@ void ensureCollectors(jet::Database& database);  ///< `Collecteurs`
 void ensureLocalities(jet::Database& database);  ///< `Localités`
 void ensureTaxa(jet::Database& database);        ///< `Taxons`
 
+/// The definitions of all of them.
+QList<jet::TableDef> coreTables();
+
 } // namespace data

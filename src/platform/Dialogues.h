@@ -38,6 +38,11 @@ public:
     /// The text typed, or nothing when the user cancelled.
     virtual std::optional<QString> input(const QString& title, const QString& prompt,
                                          const QString& byDefault = {}) = 0;
+    /// The same for a text that nobody shall read on the screen.
+    virtual std::optional<QString> password(const QString& title, const QString& prompt)
+    {
+        return input(title, prompt);
+    }
     /// Positions chosen, or nothing when the user cancelled.
     virtual std::optional<QList<int>> choose(const Choice& choice) = 0;
     /// Paths, or empty when the user cancelled.

@@ -100,7 +100,7 @@ Index indexOf(const IndexDefinition& index)
     made.Primary = index.kind == PrimaryIndex;
     made.Unique = index.flags & IndexUnique;
     made.IgnoreNulls = index.flags & IndexIgnoreNulls;
-    made.Required = index.flags & IndexRequired;
+    made.Required = index.flags & IndexRequired && !made.Primary; // a primary key is so by itself
     return made;
 }
 

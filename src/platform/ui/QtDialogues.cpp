@@ -148,6 +148,13 @@ std::optional<QString> QtDialogues::input(const QString& title, const QString& p
     return text.normalized(QString::NormalizationForm_C);
 }
 
+std::optional<QString> QtDialogues::password(const QString& title, const QString& prompt)
+{
+    bool accepted = false;
+    const QString text = QInputDialog::getText(parent(), title, prompt, QLineEdit::Password, {}, &accepted);
+    return accepted ? std::optional<QString>(text) : std::nullopt;
+}
+
 std::optional<QList<int>> QtDialogues::choose(const Choice& choice)
 {
     ChoiceDialog dialog(choice, parent());

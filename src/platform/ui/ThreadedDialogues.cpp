@@ -24,6 +24,11 @@ std::optional<QString> ThreadedDialogues::input(const QString& title, const QStr
     return there([&] { return m_dialogues.input(title, prompt, byDefault); });
 }
 
+std::optional<QString> ThreadedDialogues::password(const QString& title, const QString& prompt)
+{
+    return there([&] { return m_dialogues.password(title, prompt); });
+}
+
 std::optional<QList<int>> ThreadedDialogues::choose(const Choice& choice)
 {
     return there([&] { return m_dialogues.choose(choice); });

@@ -15,6 +15,7 @@ public:
 
     Answer ask(const Message& message) override;
     std::optional<QString> input(const QString& title, const QString& prompt, const QString& byDefault = {}) override;
+    std::optional<QString> password(const QString& title, const QString& prompt) override;
     std::optional<QList<int>> choose(const Choice& choice) override;
     QString openFile(const QString& title, const QString& filter, const QString& folder = {}) override;
     QStringList openFiles(const QString& title, const QString& filter, const QString& folder = {}) override;
