@@ -213,7 +213,7 @@ QString PropertyStore::askName(const PropertyDraft& draft, platform::Dialogues& 
     }
 }
 
-QString PropertyStore::rename(int id, platform::Dialogues& dialogues)
+QString PropertyStore::rename(int id, platform::Dialogues& dialogues, const QString& title, const QString& prompt)
 {
     return trapped(dialogues, QString(), [&] {
         const auto rows = openStore(m_database, u"PrimaryKey"_s);
@@ -221,11 +221,12 @@ QString PropertyStore::rename(int id, platform::Dialogues& dialogues)
         if (rows->NoMatch())
             return QString();
         const PropertyObject before = objectAt(*rows);
-        QString prompt = u"Indiquez le nouveau nom de la propriété '"_s + before.kind + u'\'';
+        const QString asks = title.isEmpty() ? u"Renommer - "_s + before.kind : title;
+        QString says = prompt.isEmpty() ? u"Indiquez le nouveau nom de la propriété '"_s + before.kind + u'\'' : prompt;
         QString name = before.name;
         do {
-            name = trimmed(dialogues.input(u"Renommer - "_s + before.kind, prompt, name).value_or(QString()));
-            prompt = u"Nom déja existant ! Indiquez un nom unique pour la propriété"
+            name = trimmed(dialogues.input(asks, says, name).value_or(QString()));
+            says = u"Nom déja existant ! Indiquez un nom unique pour la propriété"
                      " du Module "_s
                      + before.module;
         } while (!name.isEmpty() && !same(name, before.name)

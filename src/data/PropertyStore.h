@@ -60,8 +60,8 @@ public:
     bool remove(int id, platform::Dialogues& dialogues);
 
     /// Asks for another name of the object until it is unique. Gives it; empty when the user gave up, there is no such
-    /// object or it failed (which is said).
-    QString rename(int id, platform::Dialogues& dialogues);
+    /// object or it failed (which is said). Title and prompt are those of the question, where the usual ones do not fit.
+    QString rename(int id, platform::Dialogues& dialogues, const QString& title = {}, const QString& prompt = {});
 
     /// Objects of the kinds ("Requête,Base,Modèle", or "*" for all), of one module or (empty) of all, by name.
     QList<PropertyObject> list(const QString& kinds, const QString& module = {}) const;

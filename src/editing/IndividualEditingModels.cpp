@@ -2,7 +2,6 @@
 #include "editing/IndividualEditingPrivate.h"
 
 #include "editing/RecordModels.h"
-#include "jet/SqlText.h"
 
 namespace editing {
 
@@ -110,32 +109,9 @@ bool IndividualEditing::applyModel(int id)
 
 bool IndividualEditing::CLGabarit_Edit(int id)
 {
-    const QString title = u"Renommer un modèle"_s;
-    const QList<data::PropertyObject> all = models();
-    const auto model = std::find_if(all.begin(), all.end(), [&](const auto& m) { return m.id == id; });
-    if (model == all.end())
-        return false;
-    QString prompt = u"Indiquer le nouveau nom du modèle"_s;
-    QString name = model->name;
-    for (;;) {
-        name = m_tools.dialogues.input(title, prompt, name).value_or(QString()).trimmed();
-        if (name.isEmpty() || name == model->name)
-            return false;
-        const bool taken = std::any_of(all.begin(), all.end(), [&](const auto& m) {
-            return m.id != id && m.name.compare(name, Qt::CaseInsensitive) == 0;
-        });
-        if (!taken)
-            break;
-        prompt = u"Nom déja existant ! Indiquez un nom unique pour la propriété du Module "_s + model->module;
-    }
-    return guarded(title, false, [&] {
-        m_tools.database.Execute(u"UPDATE [Propriétés] SET [Nom]="_s + jet::texte(name) + u",[DateModify]="_s
-                                 + jet::texte(platform::stamp(m_tools.clock)) + u" WHERE [ID Prop]="_s
-                                 + QString::number(id));
-        if (written)
-            written({u"Propriétés"_s});
-        return true;
-    });
+    return !m_tools.store
+                .rename(id, m_tools.dialogues, u"Renommer un modèle"_s, u"Indiquer le nouveau nom du modèle"_s)
+                .isEmpty();
 }
 
 bool IndividualEditing::CLGabarit_Delete(int id)
