@@ -1,0 +1,114 @@
+#include "map/Drawing.h"
+
+#include <gtest/gtest.h>
+
+using namespace map;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Sheet {
+    Points points;
+    std::vector<bool> selected;
+    PointStyle style;
+    QImage picture{200, 100, QImage::Format_RGB32};
+    ViewTransform view = ViewTransform::whole({0, 10, 20, 10}, {200, 100}, {200, 100});
+
+    int draw(int current = -1)
+    {
+        selected.resize(size_t(points.size()), false);
+        picture.fill(Qt::white);
+        return drawPoints(picture, {points, drawingOrder(points), selected, current}, view, style);
+    }
+    QColor at(Geo place) const { return picture.pixelColor(view.position(place).toPoint()); }
+};
+
+bool isRed(const QColor& colour)
+{
+    return colour.red() > colour.blue() + 60;
+}
+
+bool isBlue(const QColor& colour)
+{
+    return colour.blue() > colour.red() + 60;
+}
+
+} // namespace
+
+TEST(Drawing, PutsPointsWhereTheyLieInTheirColours)
+{
+    Sheet sheet;
+    sheet.points.add({.locality = 1, .at = {5, 5}});
+    sheet.points.add({.locality = 2, .at = {15, 5}, .count = 9});
+    sheet.points.add({.locality = 3, .at = {50, 5}}); // beside the map
+    sheet.selected = {false, true, false};
+    EXPECT_EQ(sheet.draw(), 2);
+    EXPECT_TRUE(isRed(sheet.at({5, 5})));
+    EXPECT_TRUE(isBlue(sheet.at({15, 5})));
+    EXPECT_EQ(sheet.at({10, 5}), QColor(Qt::white));
+}
+
+TEST(Drawing, HidesWhatHasFewRecordsAndAllWhenAsked)
+{
+    Sheet sheet;
+    sheet.points.add({.locality = 1, .at = {5, 5}, .count = 2});
+    sheet.points.add({.locality = 2, .at = {15, 5}, .count = 9});
+    sheet.style.sizes.effectifMin = 3;
+    EXPECT_EQ(sheet.draw(), 1);
+    EXPECT_EQ(sheet.at({5, 5}), QColor(Qt::white));
+    EXPECT_TRUE(isRed(sheet.at({15, 5})));
+    sheet.style.visible = false;
+    EXPECT_EQ(sheet.draw(), 0);
+    EXPECT_EQ(sheet.at({15, 5}), QColor(Qt::white));
+}
+
+TEST(Drawing, SmallPointsLieOnLargeOnesAndSelectedOnesOnTop)
+{
+    Sheet sheet;
+    sheet.style.fore = Qt::black;
+    sheet.points.add({.locality = 1, .at = {5, 5}});
+    sheet.points.add({.locality = 2, .at = {5, 5}, .count = 400});
+    sheet.draw();
+    // The border of the small one shows inside the large one.
+    const QPoint middle = sheet.view.position({5, 5}).toPoint();
+    int dark = 0;
+    for (int x = middle.x() - 5; x <= middle.x() + 5; ++x)
+        dark += sheet.picture.pixelColor(x, middle.y()).red() < 120;
+    EXPECT_GE(dark, 2);
+    sheet.selected = {false, true};
+    sheet.draw();
+    EXPECT_TRUE(isBlue(sheet.at({5, 5})));
+}
+
+TEST(Drawing, ScaledPicturesKeepTheirPlaces)
+{
+    QImage whole(1024, 512, QImage::Format_RGB32);
+    whole.fill(Qt::white);
+    for (int y = 0; y < 512; ++y) {
+        for (int x = 512; x < 1024; ++x)
+            whole.setPixelColor(x, y, Qt::black);
+    }
+    const ScaledPicture picture(whole);
+    for (const QRectF& area : {QRectF(0, 0, 1024, 512), QRectF(-300, -40, 400, 200), QRectF(-2000, -900, 8192, 4096)}) {
+        QImage out(100, 60, QImage::Format_RGB32);
+        out.fill(Qt::red);
+        QPainter painter(&out);
+        picture.draw(painter, area, out.rect());
+        painter.end();
+        for (const int x : {1, 30, 50, 70, 98}) {
+            const double share = (x + 0.5 - area.left()) / area.width();
+            const QColor expected = share < 0 || share > 1 ? Qt::red : share < 0.5 ? Qt::white : Qt::black;
+            if (qAbs(share - 0.5) * area.width() > 3) {
+                EXPECT_EQ(out.pixelColor(x, 30), expected) << area.width() << " at " << x;
+            }
+        }
+    }
+}
+
+TEST(Legend, ShowsCountsBetweenTheSmallestAndTheLargest)
+{
+    EXPECT_EQ(legendCounts(1, 1), (QList<int>{1}));
+    EXPECT_EQ(legendCounts(1, 2), (QList<int>{1, 2}));
+    EXPECT_EQ(legendCounts(1, 100), (QList<int>{1, 30, 100}));
+    EXPECT_EQ(legendCounts(10, 10), (QList<int>{10}));
+}
