@@ -14,6 +14,7 @@
 #include "platform/Settings.h"
 
 #include <QHash>
+#include <functional>
 #include <memory>
 
 namespace app {
@@ -59,6 +60,11 @@ public:
     /// Asks whether project files should open with this program when they do not.
     void checkAssociation(platform::FileAssociation& association);
 
+    /// Runs work on the dictionary and its tables as one named operation, then reads the modules anew and attaches the
+    /// add-ins to them. Nothing of the reference lists may be in use. False when it failed, which is said: file and
+    /// session are as before.
+    bool changeStructure(const std::function<void()>& work);
+
     jet::Database& database() const;
     data::Dictionary& dictionary() const;
     data::PropertyStore& properties() const;
@@ -99,6 +105,7 @@ private:
     void openFile(const QString& path);
     void validateStructure();
     void connectModules();
+    void forgetSelections();
     void reportOpening(const jet::Error& error);
 
     Surroundings m_surroundings;

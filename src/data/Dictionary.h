@@ -23,6 +23,8 @@ public:
 
     /// Puts a definition into memory: adds it, or takes its fields over into the one of that name.
     void put(const ModuleRecord& module);
+    /// Takes these as the modules in memory, as they are to be saved.
+    void replace(const QList<ModuleRecord>& modules) { m_modules = modules; }
     /// Brings a module to what its provider says, rows and table: the whole of it when the dictionary does not know the
     /// module or has it from another version or provider, otherwise only the fields that it lacks. Order, vocabularies
     /// and own fields of the user stay, and so does the type of a field whose column cannot hold the new one. False when
