@@ -41,16 +41,10 @@ public:
         m_made = !QFileInfo::exists(m_path);
         if (!QDir().mkpath(m_path))
             jet::fail(3044, m_path);
-        for (const DemoImage& image : data.images) {
-            const QString target = m_path + u'/' + image.file;
-            if (QFileInfo::exists(target))
-                continue;
-            if (!QFile::copy(demoResourceFolder() + u"images/"_s + image.file, target))
-                throw jet::Error(3026, u"Impossible d'écrire l'image « %1 »."_s.arg(target));
-            m_copied << target;
-            // A copy of a resource is read-only.
-            QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
-        }
+        for (const DemoImage& image : data.images)
+            copy(u"images/"_s, image.file);
+        for (const DemoMap& map : data.maps)
+            copy(u"maps/"_s, map.file);
     }
     void remove()
     {
@@ -61,6 +55,18 @@ public:
     }
 
 private:
+    void copy(const QString& folder, const QString& file)
+    {
+        const QString target = m_path + u'/' + file;
+        if (QFileInfo::exists(target))
+            return;
+        if (!QFile::copy(demoResourceFolder() + folder + file, target))
+            throw jet::Error(3026, u"Impossible d'écrire l'image « %1 »."_s.arg(target));
+        m_copied << target;
+        // A copy of a resource is read-only.
+        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+    }
+
     QString m_path;
     QStringList m_copied;
     bool m_made = false;
@@ -104,6 +110,7 @@ void fillProject(Session& session, const DemoData& data, const QString& imageFol
     writePeople(database, data, stamp, reference);
     progression.step(u"Création des localités"_s, 4);
     writePlaces(database, data, stamp, reference);
+    writeMaps(database, data, stamp, reference);
     checkpoint(progression);
     progression.step(u"Création des taxons"_s, 7);
     TaxonWriter taxa(database, stamp);

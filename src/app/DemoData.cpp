@@ -162,6 +162,15 @@ void readSubRecords(DemoData& data)
                             images.text(row, u"source"_s)});
 }
 
+void readMaps(DemoData& data)
+{
+    const Table maps(u"maps/maps.tsv"_s);
+    const auto side = [&maps](qsizetype row, const QString& column) { return maps.number(row, column).value_or(0); };
+    for (qsizetype row = 0; row < maps.size(); ++row)
+        data.maps.append({maps.text(row, u"file"_s), maps.text(row, u"name"_s), maps.text(row, u"locality_id"_s),
+                          side(row, u"left"_s), side(row, u"top"_s), side(row, u"right"_s), side(row, u"bottom"_s)});
+}
+
 struct Sum {
     double longitude = 0;
     double latitude = 0;
@@ -231,6 +240,7 @@ DemoData DemoData::read()
     readPeople(data);
     readIndividuals(data);
     readSubRecords(data);
+    readMaps(data);
     return data;
 }
 

@@ -74,6 +74,14 @@ struct DemoImage {
     QString source;
 };
 
+/// A map of the project, with the coordinates of its picture's bounds.
+struct DemoMap {
+    QString file;
+    QString name;
+    QString place; ///< Key of the place that it shows.
+    double left = 0, top = 0, right = 0, bottom = 0;
+};
+
 /// Where a place is, and how that is known.
 struct DemoPoint {
     double longitude = 0;
@@ -89,6 +97,7 @@ struct DemoData {
     QHash<QString, QList<DemoDetermination>> determinations; ///< By individual, in their order.
     QHash<QString, QList<DemoMeasure>> measures;             ///< By individual.
     QList<DemoImage> images;
+    QList<DemoMap> maps;
 
     /// From the resource of the program. Throws jet::Error when a table cannot be read.
     static DemoData read();

@@ -119,6 +119,28 @@ void writePlaces(jet::Database& database, const DemoData& data, const QString& s
     operation.commit();
 }
 
+void writeMaps(jet::Database& database, const DemoData& data, const QString& stamp, const DemoReference& reference)
+{
+    constexpr int mapType = -1;
+    jet::Operation operation(database, u"Démonstration : cartes"_s);
+    const auto places = database.OpenRecordset(u"Localités"_s, jet::RecordsetType::Table);
+    places->SetIndex(u"PrimaryKey"_s);
+    RowAppender rows(database, u"Localités"_s, stamp);
+    for (const DemoMap& map : data.maps) {
+        places->Seek(u"="_s, {reference.places.value(map.place)});
+        const QString parent = places->NoMatch() ? QString() : places->Value(u"CodeRegion").toString() + u'/';
+        rows.add({{u"Localité", map.name},
+                  {u"LongDD", map.left},
+                  {u"LatDD", map.top},
+                  {u"SizeLongDD", map.right},
+                  {u"SizeLatDD", map.bottom},
+                  {u"ImageRegion", map.file},
+                  {u"ID Type", mapType},
+                  {u"CodeRegion", parent + QString::number(rows.next())}});
+    }
+    operation.commit();
+}
+
 void writeTaxa(jet::Database& database, const DemoData& data, TaxonWriter& writer, DemoReference& reference)
 {
     jet::Operation operation(database, u"Démonstration : taxons"_s);

@@ -26,6 +26,8 @@ QString demoInitials(const QString& name);
 void writePeople(jet::Database& database, const DemoData& data, const QString& stamp, DemoReference& reference);
 /// Path code, depth and composed name as the localities keep them.
 void writePlaces(jet::Database& database, const DemoData& data, const QString& stamp, DemoReference& reference);
+/// The maps, under the places that they show. After the places.
+void writeMaps(jet::Database& database, const DemoData& data, const QString& stamp, const DemoReference& reference);
 void writeTaxa(jet::Database& database, const DemoData& data, TaxonWriter& writer, DemoReference& reference);
 
 } // namespace app

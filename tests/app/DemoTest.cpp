@@ -84,7 +84,7 @@ TEST_F(DemoProject, HoldsEveryRecordOfTheTables)
     const QList<QPair<QString, qsizetype>> expected{
         {u"Collecteurs"_s, people.size()},
         {u"Taxons"_s, taxa.size()},
-        {u"Localités"_s, tableOf(u"localities.tsv"_s).size()},
+        {u"Localités"_s, tableOf(u"localities.tsv"_s).size() + tableOf(u"maps/maps.tsv"_s).size()},
         {u"Individus"_s, tableOf(u"individuals.tsv"_s).size()},
         {u"Déterminations"_s, tableOf(u"determinations.tsv"_s).size()},
         {u"Images"_s, tableOf(u"images/images.tsv"_s).size()},
@@ -177,6 +177,8 @@ TEST_F(DemoProject, CodesThePathOfEveryPlace)
                              rows->Value(u"ID Type").toInt()});
     }
     for (const Row& row : byCode) {
+        if (row.type < 0) // a map
+            continue;
         EXPECT_EQ(row.type, row.code.count(u'/'));
         if (row.type == 0) {
             EXPECT_EQ(row.whole, row.name);
@@ -195,6 +197,8 @@ TEST_F(DemoProject, MarksThePointsThatAreNotOfTheSource)
     const auto rows = project().db().OpenRecordset(u"Localités"_s, jet::RecordsetType::Table);
     rows->SetIndex(u"PrimaryKey"_s);
     for (; !rows->EOF_(); rows->MoveNext()) {
+        if (rows->Value(u"ID Type").toInt() < 0)
+            continue;
         const auto& place = places[row++]; // in the order of the table
         ASSERT_EQ(rows->Value(u"Localité").toString(), place[u"name"_s]);
         const bool given = !place[u"latitude"_s].isEmpty();
@@ -431,3 +435,21 @@ TEST(DemoHerbaria, AreReadFromTheCatalogueTexts)
 }
 
 } // namespace
+
+/// The places of the islands, and no others, lie within the bounds of their map.
+TEST_F(DemoProject, HasACalibratedMapWithItsPictureAndPoints)
+{
+    const auto map = project().db().OpenRecordset(u"SELECT * FROM Localités WHERE [ID Type]<0"_s);
+    ASSERT_FALSE(map->EOF_());
+    const QString file = map->Value(u"ImageRegion").toString();
+    EXPECT_EQ(digest(app::demoImageFolder(project().path()) + u'/' + file),
+              digest(qEnvironmentVariable("HERBORA_SOURCE") + u"/demo/maps/"_s + file));
+    EXPECT_EQ(map->Value(u"LongDD").toDouble(), 163);
+    EXPECT_EQ(map->Value(u"SizeLatDD").toDouble(), -23);
+    const QString code = map->Value(u"CodeRegion").toString();
+    const QString region = code.left(code.lastIndexOf(u'/'));
+    const QString within = u"[LongDD] BETWEEN 163 AND 169 AND [LatDD] BETWEEN -23 AND -19 AND [ID Type]>=0"_s;
+    const QString islands = u"[CodeRegion] & \"/\" LIKE \""_s + region + u"/*\""_s;
+    EXPECT_EQ(single(u"SELECT Count(*) FROM Localités WHERE "_s + within).toInt(), 6);
+    EXPECT_EQ(single(u"SELECT Count(*) FROM Localités WHERE "_s + within + u" AND "_s + islands).toInt(), 6);
+}
