@@ -20,13 +20,18 @@ namespace {
 Q_LOGGING_CATEGORY(importLog, "herbora.import")
 
 const QString caption = u"Herbora - Ancienne base Access"_s;
+constexpr int wrongPassword = 3031;
+constexpr int cancelled = 3059;
 const QString projectFilter = u"Fichiers Herbora (*.hbx)|*.hbx|"_s;
 
-void sayFailure(const Surroundings& surroundings, const QString& source, const QString& description)
+void sayFailure(const Surroundings& surroundings, const QString& source, const jet::Error& error)
 {
-    qCWarning(importLog).noquote() << "conversion of" << source << "failed:" << description;
-    surroundings.dialogues.tell(u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, description), caption,
-                                BoxIcon::Stop);
+    const bool stopped = error.number() == cancelled;
+    if (!stopped)
+        qCWarning(importLog).noquote() << "conversion of" << source << "failed:" << error.number() << error.description();
+    surroundings.dialogues.tell(
+        u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, error.description()), caption,
+        stopped ? BoxIcon::Information : BoxIcon::Stop);
 }
 
 /// Shows each step once: the rows of a large table are thousands of calls.
@@ -120,7 +125,7 @@ QString makeProject(const Surroundings& surroundings, const AccessPlan& plan, co
     const QString text = reportText(surroundings, plan, report);
     database->SetProperty(importReportProperty, text);
     if (!steps(u"Écriture du nouveau projet"_s, 97))
-        jet::fail(3059, u"Importation"_s);
+        jet::fail(cancelled, u"Importation"_s);
     operation.commit();
     database->Close();
     return text;
@@ -145,9 +150,8 @@ bool askPassword(const Surroundings& surroundings, AccessPlan& plan)
             jet::access::PageFile(plan.source, plan.password);
             return true;
         } catch (const jet::Error& error) {
-            constexpr int wrongPassword = 3031;
             if (error.number() != wrongPassword) {
-                sayFailure(surroundings, plan.source, error.description());
+                sayFailure(surroundings, plan.source, error);
                 return false;
             }
             const QString prompt = plan.password.isEmpty() ? u"Mot de passe de l'ancienne base :"_s
@@ -163,6 +167,14 @@ bool askPassword(const Surroundings& surroundings, AccessPlan& plan)
 std::optional<AccessPlan> planConversion(const Surroundings& surroundings, const QString& source)
 {
     AccessPlan plan{QFileInfo(source).absoluteFilePath(), convertedPath(source)};
+    try {
+        jet::access::PageFile(plan.source, {});
+    } catch (const jet::Error& error) {
+        if (error.number() != wrongPassword) {
+            sayFailure(surroundings, plan.source, error);
+            return {};
+        }
+    }
     const bool agreed = surroundings.dialogues.confirm(
         u"Le fichier « %1 » est une ancienne base Access.\n"
         "Herbora va en faire un nouveau projet, « %2 », et l'ouvrir. L'ancien fichier n'est pas modifié.\n"
@@ -208,12 +220,12 @@ bool convertAndOpen(Session& session, const AccessPlan& plan, platform::Progress
     try {
         convertAccess(surroundings, plan, progression);
     } catch (const jet::Error& error) {
-        sayFailure(surroundings, plan.source, error.description());
+        sayFailure(surroundings, plan.source, error);
         progression.finish();
         return false;
     } catch (const std::exception& error) {
         sayFailure(surroundings, plan.source,
-                   u"Mémoire ou ressource insuffisante : %1."_s.arg(QString::fromUtf8(error.what())));
+                   jet::Error(7, u"Mémoire ou ressource insuffisante : %1."_s.arg(QString::fromUtf8(error.what()))));
         progression.finish();
         return false;
     }

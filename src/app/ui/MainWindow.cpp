@@ -2,6 +2,7 @@
 
 #include "app/Session.h"
 #include "app/ui/AboutDialog.h"
+#include "app/ui/AccessDesk.h"
 #include "app/ui/Desk.h"
 #include "app/ui/EditorDesk.h"
 #include "app/ui/Icons.h"
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTimer>
@@ -36,7 +38,8 @@ QString projectIn(const QMimeData* data)
 {
     const QList<QUrl> urls = data->urls();
     for (const QUrl& url : urls) {
-        if (url.isLocalFile() && url.toLocalFile().endsWith(u".hbx"_s, Qt::CaseInsensitive))
+        const QString ending = QFileInfo(url.toLocalFile()).suffix().toLower();
+        if (url.isLocalFile() && (ending == u"hbx" || ending == u"mdb" || ending == u"accdb"))
             return url.toLocalFile();
     }
     return {};
@@ -130,6 +133,7 @@ void MainWindow::makeDesks()
 {
     m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
     m_desks.push_back(std::make_unique<MapDesk>(*m_place));
+    m_desks.push_back(std::make_unique<AccessDesk>(*m_place, *m_commands));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
 }

@@ -1,5 +1,6 @@
 #include "app/ui/ProjectCommands.h"
 
+#include "app/AccessImport.h"
 #include "app/Session.h"
 
 #include <QFileInfo>
@@ -51,10 +52,27 @@ void ProjectCommands::open()
 
 void ProjectCommands::openPath(const QString& path)
 {
+    if (jet::access::isAccessFile(path))
+        return importPath(path);
     if (mayChange())
         run(u"Ouverture"_s, [this, path](platform::Progression& progression) {
             return m_session.open(path, progression);
         });
+}
+
+void ProjectCommands::importPath(const QString& path)
+{
+    if (m_busy)
+        return;
+    const std::optional<AccessPlan> plan = planConversion(m_session.surroundings(), path);
+    if (!plan || !mayChange())
+        return;
+    run(
+        u"Importation"_s,
+        [this, plan = *plan](platform::Progression& progression) {
+            return convertAndOpen(m_session, plan, progression);
+        },
+        true, [this] { Q_EMIT imported(); });
 }
 
 void ProjectCommands::create()
@@ -76,7 +94,8 @@ void ProjectCommands::optimise()
             [this](platform::Progression& progression) { return m_session.optimiseConfirmed(progression); });
 }
 
-void ProjectCommands::run(const QString& text, std::function<bool(platform::Progression&)> work)
+void ProjectCommands::run(const QString& text, std::function<bool(platform::Progression&)> work, bool cancellable,
+                          std::function<void()> succeeded)
 {
     if (m_busy)
         return;
@@ -85,22 +104,25 @@ void ProjectCommands::run(const QString& text, std::function<bool(platform::Prog
     Q_EMIT busyChanged(true);
     m_runner.cancel(); // a sort or a copy is not worth waiting for
     auto changed = std::make_shared<bool>(false);
-    m_runner.start({[work = std::move(work), changed](platform::Progression& progression) {
+    auto done = std::make_shared<bool>(false);
+    m_runner.start({[work = std::move(work), changed, done](platform::Progression& progression) {
                         Observed observed(progression);
-                        work(observed);
+                        *done = work(observed);
                         *changed = observed.begun();
                     },
-                    [this, changed](std::exception_ptr failure) {
+                    [this, changed, done, succeeded = std::move(succeeded)](std::exception_ptr failure) {
                         m_busy = false;
                         if (m_session.isOpen())
                             m_recent.add(m_session.path());
                         if (*changed || failure)
                             Q_EMIT projectChanged();
                         Q_EMIT busyChanged(false);
+                        if (*done && succeeded)
+                            succeeded();
                         if (failure)
                             std::rethrow_exception(failure); // no member of the session throws
                     },
-                    {}, text});
+                    cancellable ? std::function<void()>([] {}) : nullptr, text});
 }
 
 } // namespace app

@@ -27,7 +27,10 @@ public:
     void setGuard(std::function<bool()> mayChange) { m_mayChange = std::move(mayChange); }
     void open();   ///< Asks for the file.
     void create(); ///< Asks for the name.
+    /// Opens a project. An old Access file becomes one first (importPath).
     void openPath(const QString& path);
+    /// Asks, converts an old Access file into a new project beside it, and opens that.
+    void importPath(const QString& path);
     void optimise();
 
     /// "Fichiers Herbora", as file questions want it.
@@ -39,10 +42,14 @@ Q_SIGNALS:
     void busyChanged(bool busy);
     /// A project was opened, or the open one closed, or opened again.
     void projectChanged();
+    /// The project that is open now was made of an old Access file just now.
+    void imported();
 
 private:
     bool mayChange() const { return !m_busy && (!m_mayChange || m_mayChange()); }
-    void run(const QString& text, std::function<bool(platform::Progression&)> work);
+    /// `cancellable`: the work looks at Progression::cancelled.
+    void run(const QString& text, std::function<bool(platform::Progression&)> work, bool cancellable = false,
+             std::function<void()> succeeded = {});
 
     Session& m_session;
     platform::TaskRunner& m_runner;
