@@ -8,6 +8,7 @@
 #include "app/ui/Icons.h"
 #include "app/ui/MapDesk.h"
 #include "app/ui/ManualWindow.h"
+#include "app/ui/QueryDesk.h"
 #include "app/ui/TreeObjects.h"
 
 #include <QApplication>
@@ -124,15 +125,13 @@ void MainWindow::serveTree()
 {
     TreeCommands& tree = m_dock->commands();
     tree.provide(u"openModule"_s, [this](const TreeNode& node) { openRecords(node.key); });
-    tree.provide(
-        u"emptySelection"_s, [this](const TreeNode& node) { emptySelection(node.key.chopped(u"-self"_s.size())); },
-        [](const TreeNode& node) { return !node.text.endsWith(u"< 0 >"_s); });
 }
 
 void MainWindow::makeDesks()
 {
     m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
     m_desks.push_back(std::make_unique<MapDesk>(*m_place));
+    m_desks.push_back(std::make_unique<QueryDesk>(*m_place));
     m_desks.push_back(std::make_unique<AccessDesk>(*m_place, *m_commands));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
@@ -230,14 +229,6 @@ void MainWindow::showManual()
     if (!m_manual)
         m_manual = std::make_unique<ManualWindow>(m_session.surroundings().applicationFolder + u"/manuel"_s, m_state);
     m_manual->showPage(page);
-}
-
-void MainWindow::emptySelection(const QString& module)
-{
-    if (!m_dialogues.confirm(u"Vider la sélection flottante de son contenu ?"_s, u"Herbora"_s))
-        return;
-    m_session.selection(module).clear();
-    m_dock->model().setText(QString(module + u"-self"_s), module + u" < 0 >"_s);
 }
 
 bool MainWindow::mayClose()

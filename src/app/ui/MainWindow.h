@@ -50,7 +50,6 @@ private:
     bool mayClose();
     void putAway();
     void openRecords(const QString& key);
-    void emptySelection(const QString& module);
     void restoreState();
     void saveState();
 

@@ -19,6 +19,8 @@ constexpr qsizetype mostUndo = 100;
 /// A query that ran in less is run again by itself when records changed.
 constexpr double quickSeconds = 1.5;
 constexpr int stoppedByUser = 3059;
+/// So many rows around the one that is opened make the list that "previous" and "next" walk.
+constexpr qint64 longestList = 2000;
 
 QLabel* heading(const QString& text, QWidget* buddy)
 {
@@ -254,7 +256,11 @@ void QueryTab::connectPane()
 {
     connect(m_pane, &ResultPane::modeChosen, this, [this](const QString& mode) { m_query->setModeRun(mode); });
     connect(m_pane, &ResultPane::activated, this,
-            [this](const QList<qint32>& records) { Q_EMIT editWanted(m_pane->module(), records); });
+            [this](const QList<qint32>& records) {
+                Q_EMIT editWanted(m_pane->module(),
+                                  records.size() == 1 ? m_pane->recordsAround(records.first(), longestList) : records,
+                                  records.first());
+            });
     connect(m_pane, &ResultPane::insertPlacesWanted, this, [this](const QList<qint32>& places) {
         m_query->insertPlaces(places);
         execute();
@@ -281,7 +287,11 @@ void QueryTab::connectActions()
     on(u"replace"_s, [this] { replace(); });
     on(u"export"_s, [this] { exportRows(); });
     on(u"toself"_s, [this] { Q_EMIT selectionWanted(m_pane->module(), m_pane->selectedRecords()); });
-    on(u"open"_s, [this] { Q_EMIT editWanted(m_pane->module(), m_pane->selectedRecords()); });
+    on(u"open"_s, [this] {
+        const QList<qint32> records = m_pane->selectedRecords();
+        if (!records.isEmpty())
+            Q_EMIT editWanted(m_pane->module(), records, records.first());
+    });
     on(u"selectinverse"_s, [this] { m_pane->data().selectInverse(); });
     on(u"selectnone"_s, [this] { m_pane->data().selectNone(); });
     on(u"copycell"_s, [this] { m_pane->data().copyCell(); });

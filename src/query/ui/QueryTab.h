@@ -66,7 +66,8 @@ public:
     QString statement() const { return m_statement; }
 
 Q_SIGNALS:
-    void editWanted(const QString& module, const QList<qint32>& records);
+    /// Records to walk through, and the one to begin with.
+    void editWanted(const QString& module, const QList<qint32>& records, qint32 first);
     void recordsChanged(const QStringList& modules); ///< Written by the window itself.
     void selectionWanted(const QString& module, const QList<qint32>& records); ///< For the floating selection.
     void dragWanted(const QString& module, const QList<qint32>& records);

@@ -29,6 +29,20 @@ const QList<ModeLook>& modeLooks()
     return looks;
 }
 
+/// A record may have several rows; rows without one have 0.
+QList<qint32> once(const QList<qint32>& rows)
+{
+    QList<qint32> ids;
+    QSet<qint32> known;
+    for (const qint32 id : rows) {
+        if (id > 0 && !known.contains(id)) {
+            known.insert(id);
+            ids << id;
+        }
+    }
+    return ids;
+}
+
 QToolButton* button(QWidget* parent, const QString& name, const QString& icon, const QString& tip)
 {
     auto* made = new QToolButton(parent);
@@ -383,17 +397,18 @@ void ResultPane::showPanels()
 
 QList<qint32> ResultPane::selectedRecords() const
 {
+    return hasResult() ? once(m_run.results()->selectedIds()) : QList<qint32>();
+}
+
+QList<qint32> ResultPane::recordsAround(qint32 record, qint64 most) const
+{
     if (!hasResult())
         return {};
-    QList<qint32> ids;
-    QSet<qint32> known; // a record may have several rows
-    for (const qint32 id : m_run.results()->selectedIds()) {
-        if (id > 0 && !known.contains(id)) {
-            known.insert(id);
-            ids << id;
-        }
-    }
-    return ids;
+    const std::vector<qint32>& items = m_run.results()->items();
+    const qint64 row = m_run.results()->rowOf(record);
+    const qint64 first = std::max<qint64>(0, std::min(row - most / 2, qint64(items.size()) - most));
+    const qint64 last = std::min(first + most, qint64(items.size()));
+    return once(QList<qint32>(items.begin() + first, items.begin() + last));
 }
 
 qint32 ResultPane::currentRecord() const

@@ -43,6 +43,8 @@ public:
     void valuesChanged(const QStringList& modules);
     QList<qint32> selectedRecords() const;
     qint32 currentRecord() const; ///< 0 for none.
+    /// Records of the rows around that of a record, in their order, of at most so many rows.
+    QList<qint32> recordsAround(qint32 record, qint64 most) const;
     void hideColumn(int column);
     bool hasHiddenColumns() const { return !m_hidden.isEmpty(); }
     void showHiddenColumns();
