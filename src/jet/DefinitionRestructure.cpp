@@ -68,7 +68,10 @@ void DefinitionWriter::renameTable(const QString& name, const QString& newName)
         dropIndex(before, index);
     TableDef after = before;
     after.Name = newName;
-    m_store.run(u"ALTER TABLE %1 RENAME TO %2"_s.arg(quoted(before.Name), quoted(newName)));
+    // To the store a name in other letters is the same name, which is taken.
+    const QString interim = before.Name + u".rebuild"_s;
+    m_store.run(u"ALTER TABLE %1 RENAME TO %2; ALTER TABLE %2 RENAME TO %3"_s.arg(quoted(before.Name), quoted(interim),
+                                                                                  quoted(newName)));
     m_catalog.removeTable(before.Name);
     m_schema.removeTable(before.Name);
     for (const Index& index : after.Indexes)

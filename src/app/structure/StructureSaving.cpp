@@ -66,9 +66,9 @@ StructureSaving::StructureSaving(Session& session, const StructurePlan& plan, pl
 
 void StructureSaving::step(const QString& text, int percent)
 {
+    m_progression.step(text, percent);
     if (m_progression.cancelled())
         jet::fail(3059);
-    m_progression.step(text, percent);
 }
 
 void StructureSaving::run()
