@@ -154,6 +154,7 @@ void ResultPane::connectMode(ResultMode& mode)
     connect(&mode, &ResultMode::selectionChanged, this, [this, &mode] { takeModeSelection(mode); });
     connect(&mode, &ResultMode::activated, this, &ResultPane::activate);
     connect(&mode, &ResultMode::insertPlacesWanted, this, &ResultPane::insertPlacesWanted);
+    connect(&mode, &ResultMode::insertRectangleWanted, this, &ResultPane::insertRectangleWanted);
     connect(&mode, &ResultMode::stateChanged, this, &ResultPane::stateChanged);
     connect(&mode, &ResultMode::failed, this, &ResultPane::failed);
 }

@@ -68,6 +68,7 @@ Q_SIGNALS:
     void selectionChanged();
     void activated(const QList<qint32>& records);
     void insertPlacesWanted(const QList<qint32>& localities);
+    void insertRectangleWanted(const QRectF& degrees);
     void columnMenuWanted(int column, const QPoint& globalPosition);
     void dragWanted();
     void stateChanged();
