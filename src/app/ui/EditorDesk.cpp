@@ -126,7 +126,7 @@ void EditorDesk::install(QMenuBar& bar, TreeCommands& tree)
     auto* menu = bar.findChild<QMenu*>(u"menuDonnees"_s);
     const auto command = [&](const QString& name, const QString& icon, const QString& text, const QString& tip,
                              const QString& keys) {
-        auto* action = new QAction(themeIcon(icon), text, this);
+        auto* action = new QAction(themeIcon(icon), text, menu);
         action->setObjectName(name);
         action->setStatusTip(tip);
         action->setShortcut(QKeySequence(keys));

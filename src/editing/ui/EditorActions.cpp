@@ -38,7 +38,7 @@ void EditorActions::makeAll()
     lock = make(u"lock"_s, u"object-locked"_s, u"&Verrouiller"_s, key(u"Ctrl+L"_s));
     lock->setCheckable(true);
     parent = make(u"parent"_s, u"go-up"_s, u"Ouvrir le &parent"_s, key(u"Alt+Up"_s));
-    move = make(u"changeParent"_s, u"edit-move"_s, u"Cha&nger de parent…"_s);
+    move = make(u"changeParent"_s, u"edit-move"_s, u"Cha&nger de parent…"_s, key(u"Ctrl+Shift+P"_s));
     save = make(u"save"_s, u"document-save"_s, u"&Enregistrer"_s, key(u"Ctrl+S"_s));
     close = make(u"close"_s, u"window-close"_s, u"&Fermer"_s, key(u"Ctrl+W"_s));
     field = make(u"champ"_s, {}, u"Le &champ"_s);

@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QScopedValueRollback>
 #include <QStatusBar>
+#include <utility>
 
 namespace editing {
 
@@ -177,9 +178,10 @@ void RecordEditorWindow::connectActions()
     });
     on(a.lock, [this] {
         finishTyping();
-        if (EditedRecord* record = m_editing.current())
-            m_editing.toggleLock(*record);
-        showCurrent();
+        EditedRecord* record = m_editing.current();
+        if (record && m_editing.toggleLock(*record))
+            showCurrent();
+        updateState();
     });
     on(a.parent, [this] { m_editing.selectParent(); });
     on(a.move, [this] { chooseParent(); });
@@ -271,14 +273,26 @@ QList<FormSection> RecordEditorWindow::sections()
 void RecordEditorWindow::showCurrent()
 {
     m_stack->setCurrentWidget(m_pane);
-    m_pane->show(sections(), layoutOfMode());
+    const FieldControl* left = m_pane->currentControl();
     const EditedRecord* current = m_editing.current();
+    // After a save or a reading anew the hand stays where it is.
+    const bool same = std::exchange(m_current, current) == current;
+    const QString column = same && left ? left->objectName() : QString();
+    m_pane->show(sections(), layoutOfMode());
     if (current)
         m_tree->showNode(m_editing.node(current->key));
     if (current && !m_fromTree && isVisible())
-        m_pane->focusFirst();
+        focusColumn(*m_editing.current(), column);
     updateState();
     m_draft->touch();
+}
+
+/// The first field that can be edited, where the column is none that is shown.
+void RecordEditorWindow::focusColumn(EditedRecord& record, const QString& column)
+{
+    const Cl_Edition* field = column.isEmpty() ? nullptr : m_editing.form(record).Item(column);
+    if (!field || !m_pane->focusField(*field))
+        m_pane->focusFirst();
 }
 
 void RecordEditorWindow::showNode(const QModelIndex& index)

@@ -68,6 +68,7 @@ private:
     void connectMore();
     void showCurrent();
     void showNode(const QModelIndex& index);
+    void focusColumn(EditedRecord& record, const QString& column);
     void activate(const QModelIndex& index);
     QList<FormSection> sections();
     FormSection section(EditedRecord& record, bool titled);
@@ -105,6 +106,7 @@ private:
     HeldKeys* m_held;
     PicturePane* m_pictures = nullptr; ///< Null where nobody shows pictures.
     PicturedRecord m_seen;             ///< What it shows.
+    const EditedRecord* m_current = nullptr; ///< The one shown last, to be compared only.
     QStringList m_shown; ///< Keys of the records whose forms are shown.
     bool m_typing = false;
     bool m_fromTree = false; ///< The user walks the tree: the focus stays there.
