@@ -261,13 +261,16 @@ QImage drawLegend(const Points& points, const PointStyle& style, const QString& 
         if (selected > 0)
             lines << Line{sign(smallest, true), plural(selected, u"sélectionnée"_s)};
     }
-    const QFontMetrics metrics(look.font);
+    QFont bold = look.font;
+    bold.setBold(true);
+    const QFontMetrics metrics(look.font), boldMetrics(bold);
     constexpr int padding = 8, gap = 6;
     const int column = int(std::ceil(style.sizes.largest)) + 6;
     int width = 0, height = padding;
     QList<int> tops;
     for (const Line& line : lines) {
-        const int text = qMin(labelWidthMost, metrics.horizontalAdvance(line.text));
+        const QFontMetrics& letters = tops.isEmpty() ? boldMetrics : metrics;
+        const int text = qMin(labelWidthMost, letters.horizontalAdvance(line.text) + 2);
         width = qMax(width, text + (line.sign.isNull() ? 0 : column + gap));
         tops << height;
         height += qMax(metrics.height(), int(shownSize(line.sign).height())) + 3;
@@ -287,8 +290,7 @@ QImage drawLegend(const Points& points, const PointStyle& style, const QString& 
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QSizeF size = shownSize(lines[i].sign);
         const int tall = qMax(metrics.height(), int(size.height()));
-        QFont font = look.font;
-        font.setBold(i == 0);
+        const QFont& font = i == 0 ? bold : look.font;
         painter.setFont(font);
         const int left = padding + (lines[i].sign.isNull() ? 0 : column + gap);
         if (!lines[i].sign.isNull())

@@ -95,7 +95,7 @@ void MapPanel::makeTools()
     m_maps->setAccessibleName(u"Carte"_s);
     m_maps->setToolTip(u"Carte affichée ; entre parenthèses, les localités qu'elle contient"_s);
     m_maps->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    m_maps->setMaximumWidth(fontMetrics().averageCharWidth() * 42);
+    m_maps->setMaximumWidth(fontMetrics().averageCharWidth() * 52);
     m_tools->addWidget(m_maps);
     m_tools->addSeparator();
     makeToolActions();

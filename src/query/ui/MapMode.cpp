@@ -142,7 +142,7 @@ void MapMode::activate(qint32 locality)
 {
     const QList<qint32> individuals = m_loaded ? m_loaded->individuals.value(locality) : QList<qint32>();
     if (individuals.size() == 1)
-        Q_EMIT activated({{}, individuals});
+        Q_EMIT activated({source().module() == modulesShown.first() ? individuals : QList<qint32>(), individuals});
 }
 
 // --- Commands ------------------------------------------------------------------------------------
