@@ -100,7 +100,7 @@ QString reportText(const Surroundings& surroundings, const AccessPlan& plan,
     }
     addList(lines, u"Laissé de côté ou changé"_s,
             report.remarks.isEmpty() ? QStringList{u"rien"_s} : report.remarks);
-    return lines.join(u'\n');
+    return lines.join(u'\n').remove(QChar(u'\0'));
 }
 
 QStringList librariesOf(const Surroundings& surroundings)

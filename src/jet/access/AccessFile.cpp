@@ -77,15 +77,15 @@ DataType typeOf(const Column& column)
 
 Field fieldOf(const PageFile& file, const Column& column, const QHash<QString, QVariant>& properties)
 {
-    const auto text = [&](const QString& name) { return properties.value(nameKey(name)).toString(); };
+    const auto text = [&](const QString& name) { return properties.value(name).toString(); };
     Field field;
     field.Name = column.name;
     field.Type = typeOf(column);
     if (column.type == ColumnType::Text)
         field.Size = qBound(1, column.length / file.format().charSize, defaultTextSize);
     field.AutoIncrement = column.autoNumber && column.type == ColumnType::Long;
-    field.Required = properties.value(nameKey(u"Required"_s)).toBool();
-    field.AllowZeroLength = properties.value(nameKey(u"AllowZeroLength"_s)).toBool();
+    field.Required = properties.value(u"Required"_s).toBool();
+    field.AllowZeroLength = properties.value(u"AllowZeroLength"_s).toBool();
     field.DefaultValue = text(u"DefaultValue"_s);
     field.ValidationRule = text(u"ValidationRule"_s);
     field.ValidationText = text(u"ValidationText"_s);
@@ -231,7 +231,8 @@ void AccessFile::forEachRow(const QString& name, const QStringList& columns,
                 values += valueOf(rows, table, column);
             use(values);
         }
-        if (rows.damagedRows() + rows.damagedPages() > 0 || rows.read() != qint64(table.rowCount))
+        // Access keeps the count of these tables carelessly: more rows than announced are no damage.
+        if (rows.damagedRows() + rows.damagedPages() > 0 || rows.read() < qint64(table.rowCount))
             remark(u"La table interne « %1 » est incomplète."_s.arg(name));
     } catch (const Error& error) {
         remark(u"La table interne « %1 » est illisible : %2"_s.arg(name, error.description()));
@@ -251,6 +252,8 @@ QList<Relation> AccessFile::relations(QStringList* unenforced)
                 u"szReferencedColumn"_s},
                [&](const QVariantList& row) {
                    const QString name = row[0].toString();
+                   if (row[3].toString().startsWith(u"MSys") && row[5].toString().startsWith(u"MSys"))
+                       return; // between tables of Access itself
                    const int flags = row[1].toInt();
                    if (flags & NotEnforced) {
                        if (unenforced && !unenforced->contains(name))
@@ -280,6 +283,7 @@ QList<Relation> AccessFile::relations(QStringList* unenforced)
 
 QList<StoredQuery> AccessFile::queries()
 {
+    const auto text = [](const QVariant& value) { return value.toString().remove(QChar(u'\0')); };
     QHash<qint32, QList<QueryRow>> rows;
     for (const Query& query : m_queries)
         rows.insert(query.id, {});
@@ -288,8 +292,8 @@ QList<StoredQuery> AccessFile::queries()
                [&](const QVariantList& row) {
                    const auto known = rows.find(row[0].toInt());
                    if (known != rows.end())
-                       known->append({row[1].toInt(), row[2].toInt(), row[3].toByteArray(), row[4].toString(),
-                                      row[5].toString(), row[6].toString()});
+                       known->append({row[1].toInt(), row[2].toInt(), row[3].toByteArray(), text(row[4]),
+                                      text(row[5]), text(row[6])});
                });
     QList<StoredQuery> queries;
     for (const Query& query : m_queries)

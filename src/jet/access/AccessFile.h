@@ -40,7 +40,7 @@ public:
     /// Relations that the file enforces; the others by name in `unenforced`.
     QList<Relation> relations(QStringList* unenforced = nullptr);
     QList<StoredQuery> queries();
-    /// Properties of the database itself, by their keys.
+    /// Properties of the database itself.
     QHash<QString, QVariant> databaseProperties() { return propertiesOfValue(m_databaseProperties).value({}); }
     const QList<OtherObjects>& otherObjects() const { return m_others; }
 

@@ -64,7 +64,7 @@ void readBlock(const PageFile& file, const Bytes& block, const QStringList& name
             damaged(u"une propriété est vide"_s);
         const QVariant value = valueOf(file, entry.u8(3), entry.part(8, entry.u16(6)));
         if (entry.u16(4) < names.size() && value.isValid())
-            properties.insert(nameKey(names[entry.u16(4)]), value);
+            properties.insert(names[entry.u16(4)], value);
         at += length;
     }
 }

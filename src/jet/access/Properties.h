@@ -7,7 +7,8 @@
 
 namespace jet::access {
 
-/// Properties by the name of what they belong to (the table itself: empty), and their own. Names are keys (nameKey).
+/// Properties by what they belong to (the key of the column's name; the table itself: empty), then by their names as
+/// the file writes them.
 using Properties = QHash<QString, QHash<QString, QVariant>>;
 
 /// Takes the value apart. What does not hold together ends it: what was read so far is given, `damaged` set.

@@ -18,6 +18,7 @@ enum Attribute {
     Ordering = 11
 };
 enum QueryKind { Select = 1, MakeTable, Append, Update, Delete, CrossTable, Definition, PassThrough, Union };
+enum CrossFlag { CrossValue = 0, CrossColumns = 1, CrossRows = 2 };
 enum OptionFlag { AllColumns = 1, Distinct = 2, DistinctRow = 8, Top = 0x10, Percent = 0x20 };
 
 QString bracketed(const QString& name)
@@ -110,14 +111,21 @@ public:
     {
         switch (m_kind.flag) {
         case Select: return selectText();
-        case MakeTable: return selectText(u" INTO "_s + bracketed(m_kind.name1));
+        case MakeTable:
+            m_problem = u"les requêtes qui créent une table ne sont pas reprises"_s;
+            return selectText(u" INTO "_s + bracketed(m_kind.name1));
         case Append: return appendText();
         case Update: return updateText();
         case Delete: return deleteText();
         case Union: return unionText();
         case Definition:
-        case PassThrough: return m_kind.expression;
-        default: m_problem = u"analyse croisée"_s; return selectText();
+            m_problem = u"les requêtes de définition ne sont pas reprises"_s;
+            return m_kind.expression;
+        case PassThrough:
+            m_problem = u"elle s'adresse à un autre serveur"_s;
+            return m_kind.expression;
+        case CrossTable: return crossText();
+        default: m_problem = u"genre de requête inconnu"_s; return selectText();
         }
     }
     QString problem() const { return m_problem; }
@@ -237,16 +245,37 @@ private:
         return u"UPDATE "_s + fromText() + u" SET "_s + parts.join(u", "_s) + tailText();
     }
 
+    /// Columns that Access lists behind DELETE only show what will go: the whole record does.
     QString deleteText()
     {
         const QString from = fromText();
-        return u"DELETE "_s + predicates() + outputs().join(u", "_s) + u" FROM "_s + from + tailText();
+        const QStringList listed = outputs();
+        const bool whole = std::any_of(listed.begin(), listed.end(), [](const QString& one) { return one.endsWith(u'*'); });
+        if (!whole && of(Table).size() == 1)
+            return u"DELETE "_s + predicates() + u"* FROM "_s + from + tailText();
+        return u"DELETE "_s + predicates() + listed.join(u", "_s) + u" FROM "_s + from + tailText();
+    }
+
+    /// The dialect has no such statement; the text is for the reader.
+    QString crossText()
+    {
+        m_problem = u"les analyses croisées ne sont pas reprises"_s;
+        QStringList values, rows, columns;
+        for (const QueryRow& row : of(Output)) {
+            QStringList& list = row.flag == CrossColumns ? columns : row.flag == CrossRows ? rows : values;
+            list += row.name1.isEmpty() ? row.expression : row.expression + u" AS "_s + bracketed(row.name1);
+        }
+        return u"TRANSFORM "_s + values.join(u", "_s) + u" SELECT "_s + rows.join(u", "_s) + u" FROM "_s + fromText()
+               + tailText() + u" PIVOT "_s + columns.join(u", "_s);
     }
 
     QString unionText() const
     {
         QStringList parts;
-        for (const QueryRow& row : of(Table))
+        QList<QueryRow> tables = of(Table);
+        std::stable_sort(tables.begin(), tables.end(),
+                         [](const QueryRow& a, const QueryRow& b) { return a.name2 < b.name2; });
+        for (const QueryRow& row : tables)
             parts += FromClause::withoutEnd(row.expression);
         const QString word = m_options.flag & Distinct ? u" UNION "_s : u" UNION ALL "_s;
         return parts.join(word) + tailText();
