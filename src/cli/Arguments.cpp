@@ -1,5 +1,7 @@
 #include "cli/Arguments.h"
 
+#include "cli/RequeteExports.h"
+
 namespace cli {
 
 using namespace Qt::StringLiterals;
@@ -19,7 +21,7 @@ QStringList valued(const QString& command)
 {
     QStringList names{u"--individus"_s, u"--taxons"_s, u"--mot-de-passe"_s};
     if (command == queryCommand)
-        names << u"--module"_s << u"--csv"_s;
+        names << u"--module"_s << u"--csv"_s << u"--carte"_s << mapFileOptions();
     return names;
 }
 
@@ -109,7 +111,11 @@ QString helpText()
            "      [--module MODULE]             du module, quand plusieurs ont une requête de ce nom\n"
            "      [--sql]                       montre l'instruction sans l'exécuter\n"
            "      [--csv SORTIE]                écrit les lignes dans un fichier\n"
+           "      [--points | --kml | --gtm | --scr SORTIE]\n"
+           "                                    écrit ses localités : CSV, Google Earth, GPS Trackmaker, AutoCad\n"
+           "      [--carte NOM]                 avec l'image de cette carte\n"
            "  importer access FICHIER SORTIE    fait un projet d'une ancienne base Access\n"
+           "  importer taxons LISTE FICHIER     ajoute au projet les noms d'une liste (texte à tabulations)\n"
            "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
            "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
            "  demo FICHIER                      crée le projet de démonstration\n"

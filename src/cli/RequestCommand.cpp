@@ -1,5 +1,6 @@
 #include "cli/Bench.h"
 #include "cli/Commands.h"
+#include "cli/RequeteExports.h"
 
 #include "query/Query.h"
 #include "query/Results.h"
@@ -98,6 +99,7 @@ int runRequest(const Arguments& arguments)
         throw UsageError{u"Indiquez le nom de la requête."_s};
     if (arguments.has(u"--csv"_s) && arguments.options.value(u"--csv"_s).isEmpty())
         throw UsageError{u"L'option --csv attend le nom du fichier à écrire."_s};
+    const bool maps = wantsMapFiles(arguments);
     Bench bench(arguments, false);
     if (!bench.session.open(file, bench.progression))
         return Failure;
@@ -115,6 +117,8 @@ int runRequest(const Arguments& arguments)
         printLine(statement);
         return Success;
     }
+    if (maps)
+        return writeMapFiles(arguments, bench, stored.query.mapStatement(), stored.query.NomQuery());
     return runRows(arguments, bench, statement);
 }
 

@@ -119,6 +119,37 @@ TEST_F(CliTest, RunsStoredQueries)
     EXPECT_EQ(run({u"requete"_s, file, u"Hauts"_s, u"--module"_s, u"Images"_s}).status, 0);
 }
 
+TEST_F(CliTest, WritesThePlacesOfAQuery)
+{
+    if (!QFile::exists(QCoreApplication::applicationDirPath() + u"/Globe.gif"_s))
+        GTEST_SKIP() << "built without maps";
+    const QString demo = folder.filePath(u"demo.hbx"_s);
+    ASSERT_EQ(run({u"demo"_s, demo}).status, 0);
+    const auto out = [this](const QString& suffix) { return folder.filePath(u"points"_s + suffix); };
+    const Result all = run({u"requete"_s, demo, u"Plantes d'altitude"_s, u"--points"_s, out(u".csv"_s), u"--kml"_s,
+                            out(u".kml"_s), u"--gtm"_s, out(u".gtm"_s), u"--scr"_s, out(u".scr"_s), u"--carte"_s, u"monde"_s});
+    EXPECT_EQ(all.status, 0) << all.err.toStdString();
+    const auto content = [&out](const QString& suffix) {
+        QFile file(out(suffix));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    const int places = all.out.section(u' ', 0, 0).toInt();
+    EXPECT_GT(places, 5);
+    EXPECT_EQ(content(u".csv"_s).count("\r\n"), places + 1);
+    EXPECT_EQ(content(u".kml"_s).count("<Placemark>"), places);
+    EXPECT_TRUE(content(u".kml"_s).contains("<name>Plantes d&#39;altitude (")
+                || content(u".kml"_s).contains("<name>Plantes d'altitude ("));
+    EXPECT_EQ(content(u".scr"_s).count("_.point "), places);
+    EXPECT_TRUE(content(u".scr"_s).contains("/Globe.gif\" -180.000000,-90.000000 360.000000 0\r\n"));
+    EXPECT_TRUE(content(u".gtm"_s).contains("GTMImage1.bmp"));
+    EXPECT_EQ(run({u"requete"_s, demo, u"Plantes d'altitude"_s, u"--kml"_s, out(u".kml"_s), u"--carte"_s, u"Lune"_s}).status, 2);
+    EXPECT_EQ(run({u"requete"_s, demo, u"Plantes d'altitude"_s, u"--kml"_s}).status, 2);
+    const Result refused =
+        run({u"requete"_s, demo, u"Plantes d'altitude"_s, u"--kml"_s, folder.filePath(u"absent/a.kml"_s)});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.err.contains(u"Impossible d'accéder au fichier."_s)) << refused.err.toStdString();
+}
+
 TEST_F(CliTest, FindsFaults)
 {
     run({u"sql"_s, file, u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s,
