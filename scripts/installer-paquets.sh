@@ -2,7 +2,7 @@
 # Installs the Debian packages that a group of targets needs, and says nothing
 # when all of them are there. docs/DEPENDENCIES.md gives the reason for each.
 #
-#   scripts/installer-paquets.sh base|run|test|bench|fuzz|format|tidy|paquet|essai-paquet …
+#   scripts/installer-paquets.sh base|run|test|bench|fuzz|format|tidy|manuel|paquet|essai-paquet …
 #   scripts/installer-paquets.sh --liste GROUPE…     prints the names, one a line
 #
 # "a|b" is one need that either package meets (names differ between releases).
@@ -24,10 +24,11 @@ paquets_du_groupe() {
         echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n sqlite3 file \
             gdal-bin gpsbabel libreoffice-calc libxml2-utils
         ;;
-    bench) echo libbenchmark-dev ;;
+    bench) echo libbenchmark-dev gdal-bin ;;
     fuzz) echo clang "libclang-rt-dev|libclang-rt-14-dev" llvm ;;
     format) echo clang-format git ;;
     tidy) echo clang-tidy git ;;
+    manuel) echo cmark-gfm ;;
     paquet) echo dpkg-dev file gzip git ;;
     essai-paquet) echo desktop-file-utils appstream lintian debootstrap libxml2-utils man-db groff ;;
     *)
