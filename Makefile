@@ -6,7 +6,7 @@
 #   make help    the rest
 
 .DEFAULT_GOAL := help
-.PHONY: help build run test bench format faults fuzz tidy package package-test install-deps clean
+.PHONY: help build run test bench format faults fuzz tidy manuel package package-test install-deps clean
 
 FICHIER ?=
 export FICHIER
@@ -38,6 +38,9 @@ format: ## lay out all sources with clang-format
 tidy: ## clang-tidy on what changed since the last commit (FICHIERS="…" for others)
 	@scripts/tidy.sh
 
+manuel: ## take the pictures of the manual anew and make its pages (build/release/manuel)
+	@scripts/manuel.sh
+
 package: ## make the Debian package (build/release/paquet)
 	@scripts/paquet.sh
 
@@ -45,7 +48,7 @@ package-test: ## install, use and remove the package in a clean Debian (needs ro
 	@scripts/essai-paquet.sh
 
 install-deps: ## install every package that any target needs
-	@scripts/installer-paquets.sh base run test bench fuzz format tidy paquet essai-paquet
+	@scripts/installer-paquets.sh base run test bench fuzz format tidy manuel paquet essai-paquet
 
 clean: ## remove everything built, with the demo project
 	rm -rf build

@@ -4,6 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/installer-paquets.sh base run paquet
+scripts/manuel.sh --sans-images release >/dev/null
 scripts/construire.sh release contents
 rm -rf build/release/paquet
 # Reproducible: the times inside are those of the last change.
