@@ -12,7 +12,6 @@
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
 
 namespace {
 
@@ -52,13 +51,12 @@ struct Project {
         session.dictionary().load();
     }
     void run(const QString& statement) { session.database().Execute(statement); }
-    /// Numbers from 0 on in the table "Nombres", to be multiplied.
+    /// So many collectors, numbered from 1 on, to be multiplied.
     void fillNumbers(int count)
     {
-        run(u"CREATE TABLE Nombres (n LONG)"_s);
         jet::Operation operation(session.database(), u"Nombres"_s);
         for (int i = 0; i < count; ++i)
-            run(u"INSERT INTO Nombres (n) VALUES ("_s + QString::number(i) + u')');
+            run(u"INSERT INTO Collecteurs ([Collecteur],[Initiales]) VALUES (\""_s + QString::number(i) + u"\",\""_s + QString::number(i) + u"\")"_s);
         operation.commit();
     }
 
@@ -83,7 +81,7 @@ struct EditorProject : Project {
             const QString id = QString::number(i);
             run(u"INSERT INTO Individus ([Numéro]) VALUES (\""_s + id + u"\")"_s);
             run(u"INSERT INTO Mesures ([ID Individus],[KeyParent],[Rubrique],[Diamètre]) SELECT "_s + id + u",\""_s + id
-                + u"-Individus\",\"arbre \" & n, n+1 FROM Nombres"_s);
+                + u"-Individus\",\"arbre \" & [ID Collecteurs], [ID Collecteurs] FROM Collecteurs"_s);
         }
     }
     editing::EditingTools tools()
@@ -168,10 +166,10 @@ struct NamesProject : Project {
     NamesProject() : search(session.database())
     {
         fillNumbers(1000);
-        run(u"INSERT INTO Taxons ([Taxon],[Nom Complet]) SELECT \"t\",\"Genre\" & a.n & \" espece\" & b.n"
-            " FROM Nombres AS a, Nombres AS b"_s);
-        run(u"INSERT INTO [Localités] ([Localité],[Nom Entier],[ID Type],[LongDD],[LatDD]) SELECT \"Lieu\" & a.n & \" rive\" & b.n,"
-            "\"Pays - Lieu\",0,0,0 FROM Nombres AS a, Nombres AS b"_s);
+        run(u"INSERT INTO Taxons ([Taxon],[Nom Complet]) SELECT \"t\",\"Genre\" & a.[ID Collecteurs] & \" espece\" & b.[ID Collecteurs]"
+            " FROM Collecteurs AS a, Collecteurs AS b"_s);
+        run(u"INSERT INTO [Localités] ([Localité],[Nom Entier],[ID Type],[LongDD],[LatDD]) SELECT \"Lieu\" & a.[ID Collecteurs] & \" rive\" & b.[ID Collecteurs],"
+            "\"Pays - Lieu\",0,0,0 FROM Collecteurs AS a, Collecteurs AS b"_s);
     }
     editing::ReferenceSearch search;
 };
@@ -201,7 +199,7 @@ struct ListsProject : Project {
         fillNumbers(1000);
         run(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
         run(u"INSERT INTO Mesures ([ID Individus],[Méthode],[Organes]) SELECT 1,\"a\",\"bois;a;tige\""
-            " FROM Nombres AS x, Nombres AS y WHERE y.n<100"_s);
+            " FROM Collecteurs AS x, Collecteurs AS y WHERE y.[ID Collecteurs]<=100"_s);
         for (const QString& column : {u"Méthode"_s, u"Organes"_s})
             session.properties().put(data::kindDescripteur, u"Mesures"_s, column, u"bois;a;tige"_s);
     }
@@ -236,6 +234,8 @@ BENCHMARK_CAPTURE(renameDescriptor, multiple, u"Organes"_s, 11)->Unit(benchmark:
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The platform without a screen remarks on every window.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     QApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

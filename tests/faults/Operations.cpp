@@ -2,7 +2,11 @@
 
 #include "Project.h"
 #include "app/ProjectFiles.h"
+#include "app/References.h"
+#include "data/FieldType.h"
 #include "data/RecordRules.h"
+#include "editing/DescriptorLists.h"
+#include "editing/IndividualEditing.h"
 #include "jet/Recordset.h"
 
 #include <QCryptographicHash>
@@ -142,6 +146,86 @@ bool deleteIndividuals(const QString& folder)
     const bool deleted = !rules.deleteRecords(data::moduleIndividus, {1, 3}).isEmpty();
     place.session().close();
     return deleted;
+}
+
+// --- Forms and vocabularies -----------------------------------------------------------------
+
+/// Fields of every kind, two of them lists.
+void prepareForms(const QString& folder)
+{
+    makeProject(folder);
+    withProject(folder, [](jet::Database& database) {
+        database.Execute(u"UPDATE Individus SET Herbier = \"P;NCY\""_s);
+        database.Execute(u"INSERT INTO Propriétés (Objet, Module, Nom, [Value]) VALUES "
+                         "(\"Descripteur\", \"Individus\", \"Herbier\", \"NCY;P\")"_s);
+    });
+}
+
+editing::EditingTools toolsOf(app::Session& session, data::RecordRules& rules)
+{
+    const app::Surroundings& around = session.surroundings();
+    return {session.database(), session.dictionary(), session.properties(),           rules,
+            around.clock,       around.dialogues,     session.references().context()};
+}
+
+/// A changed individual, a new record under it, a new one under that: what "Enregistrer" writes at once.
+bool saveForms(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        return false;
+    }
+    const app::Surroundings& around = place.session().surroundings();
+    data::RecordRules rules(place.session().database(), place.session().dictionary(), around.clock,
+                            around.dialogues);
+    bool saved = false;
+    {
+        editing::IndividualEditing edit(toolsOf(place.session(), rules));
+        const auto type = [&](const QString& column, const QVariant& value) {
+            edit.type(*edit.current(), *edit.form(*edit.current()).Item(column), value);
+        };
+        if (!edit.EditItems(u"1-Individus;1"_s)) {
+            return false;
+        }
+        type(u"Habitat"_s, QString(3000, u'é'));
+        if (!edit.add(u"Déterminations"_s)) {
+            return false;
+        }
+        type(u"ID Taxons"_s, 1);
+        if (!edit.add(u"Images"_s, edit.current())) {
+            return false;
+        }
+        type(u"Fichier"_s, u"feuille.jpg"_s);
+        saved = edit.SavedItem(true) == editing::SaveOutcome::Saved;
+    }
+    place.session().close();
+    return saved;
+}
+
+/// Says the new name of a descriptor.
+class RenamingDialogues : public YesDialogues {
+public:
+    std::optional<QString> input(const QString&, const QString&, const QString&) override
+    {
+        return u"Paris"_s;
+    }
+};
+
+/// The vocabulary and the records that use it change together.
+bool renameDescriptor(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        return false;
+    }
+    app::Session& session = place.session();
+    RenamingDialogues dialogues;
+    editing::DescriptorLists lists(session.database(), session.properties(),
+                                   session.surroundings().clock, dialogues);
+    const bool renamed = lists.rename(
+        {data::moduleIndividus, u"Herbier"_s, u"Herbier"_s, data::ListeMultiple, true}, u"P"_s);
+    session.close();
+    return renamed;
 }
 
 // --- Optimising ---------------------------------------------------------------------------
@@ -292,6 +376,8 @@ const std::vector<Operation>& operations()
          projectState,
          {projectFile},
          {}},
+        {u"fiche"_s, prepareForms, saveForms, reopen, projectState, {projectFile}, {}},
+        {u"descripteur"_s, prepareForms, renameDescriptor, reopen, projectState, {projectFile}, {}},
         {u"optimiser"_s,
          prepareUntidy,
          optimise,
