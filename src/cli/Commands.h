@@ -14,5 +14,6 @@ int runDemo(const Arguments& arguments);
 int runRequest(const Arguments& arguments);
 int runImport(const Arguments& arguments); ///< By its first word:
 int runImportAccess(const Arguments& arguments);
+int runImportTaxons(const Arguments& arguments);
 
 } // namespace cli

@@ -14,6 +14,8 @@ namespace {
 
 Q_LOGGING_CATEGORY(peopleLog, "herbora.collecteurs")
 
+constexpr int duplicateError = 3022;
+
 const QStringList& columns()
 {
     static const QStringList names{u"Collecteur"_s, u"Initiales"_s, u"Bot"_s, u"Organisme"_s};
@@ -44,24 +46,27 @@ Found Cl_Collecteur::SearchBotanistes(const QString& pattern) const
     }
 }
 
+bool Cl_Collecteur::confirmDelete(const QList<qint32>& ids) const
+{
+    const QString what =
+        ids.size() == 1 ? u"Vous allez SUPPRIMER le Collecteur "_s + quotedName(NomBotaniste(ids.first(), 0)) + u"...!!!"_s
+                        : u"Vous allez SUPPRIMER les "_s + QString::number(ids.size()) + u" Collecteurs sélectionnés...!!!"_s;
+    return m_context.dialogues.confirm(what + u"\rLa suppression d'un Collecteur entraîne la rupture définitive des liens"
+                                              "\r\rSupprimer les Collecteurs sélectionnés ?"_s,
+                                       u"Suppression..."_s, platform::BoxIcon::Stop);
+}
+
 bool Cl_Collecteur::Delete(const QList<qint32>& ids, bool silent)
 {
-    if (ids.isEmpty())
+    if (ids.isEmpty() || (!silent && !confirmDelete(ids)))
         return false;
-    if (!silent) {
-        const QString what =
-            ids.size() == 1 ? u"Vous allez SUPPRIMER le Collecteur "_s + quotedName(NomBotaniste(ids.first(), 0)) + u"...!!!"_s
-                            : u"Vous allez SUPPRIMER les "_s + QString::number(ids.size()) + u" Collecteurs sélectionnés...!!!"_s;
-        if (!m_context.dialogues.confirm(what + u"\rLa suppression d'un Collecteur entraîne la rupture définitive des liens"
-                                                "\r\rSupprimer les Collecteurs sélectionnés ?"_s,
-                                         u"Suppression..."_s, platform::BoxIcon::Stop))
-            return false;
-    }
     try {
         m_context.database.Execute(u"DELETE * FROM Collecteurs WHERE Collecteurs.[ID Collecteurs] IN ("_s
                                    + jet::liste(ids) + u')');
     } catch (const jet::Error& error) {
         qCWarning(peopleLog).noquote() << "delete" << error.number() << error.description();
+        m_context.dialogues.tell(u"La suppression a échoué :\n"_s + error.description(), u"Suppression..."_s,
+                                 platform::BoxIcon::Stop);
         return false;
     }
     for (const qint32 id : ids)
@@ -99,25 +104,29 @@ bool Cl_Collecteur::Save(editing::Cl_Editions& form)
             values.append({column, flag ? QVariant(field->value().toString() == u"True") : field->value()});
         }
         const qint32 saved = write(id, values);
-        FillTabEdit(form, saved);
+        editing::Cl_Editions fresh(m_context.editing);
+        FillTabEdit(fresh, saved);
+        takeOver(form, fresh);
         position(saved);
         Q_EMIT Change(saved);
         return true;
     } catch (const jet::Error& error) {
         qCWarning(peopleLog).noquote() << "save" << error.number() << error.description();
         if (editing::Cl_Edition* name = form.Item(u"Collecteur"_s))
-            name->setTextError(error.description());
+            name->setTextError(error.number() == duplicateError ? u"Ce nom existe déjà"_s : error.description());
         position(id);
         return false;
     }
 }
 
-bool Cl_Collecteur::Add()
+bool Cl_Collecteur::Add(const QString& name)
 {
     if (!m_context.form)
         return false;
     editing::Cl_Editions form(m_context.editing);
     FillTabEdit(form, 0);
+    if (!name.isEmpty())
+        form.Item(u"Collecteur"_s)->setValue(name);
     return m_context.form->edit(u"Nouveau botaniste"_s, form, [this](editing::Cl_Editions& f) {
         position(0);
         return Save(f);

@@ -28,6 +28,7 @@ public:
     bool Add(qint32 parent, const QList<QPair<QString, QVariant>>& proposed = {});
     bool Edit(qint32 id);
     bool Delete(const QList<qint32>& ids, bool silent = false);
+    bool confirmDelete(const QList<qint32>& ids) const; ///< The question alone.
     Found SearchLocalités(const QString& pattern) const;
     void Move(const QList<qint32>& ids, qint32 target); ///< Target 0: the world.
     qint32 IDparent(qint32 id) const;

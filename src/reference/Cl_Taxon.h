@@ -15,9 +15,16 @@ class Cl_Taxon : public ReferenceList {
 public:
     explicit Cl_Taxon(const ReferenceContext& context);
 
-    bool Add(qint32 parent);  ///< The form of a new taxon under a parent (0: a family).
+    /// The form of a new taxon under a parent (0: a family), beginning with a name where one is given. It becomes the
+    /// current record.
+    bool Add(qint32 parent, const QString& name = {});
+    /// The form of a new taxon of a rank whose parent is still to be chosen in it.
+    bool AddOfRank(int rank, const QString& name = {});
     bool Edit(qint32 id);
     bool Delete(const QList<qint32>& ids, bool silent = false);
+    bool confirmDelete(const QList<qint32>& ids) const; ///< The question alone.
+    /// Moving these onto the target makes synonyms, which opens forms.
+    bool movesIntoSynonymy(const QList<qint32>& ids, qint32 target) const;
     void Move(const QList<qint32>& ids, qint32 target);
     /// Names that match a pattern, in order; `rank` -1 for any.
     Found SearchTaxons(const QString& pattern, int rank = -1) const;
@@ -28,6 +35,8 @@ public:
     QString Memo(qint32 id) const;
     int OrdreTaxon(qint32 id) const;           ///< Rank of a row.
     static QString Ordre(int rank);            ///< "Famille" …, "< Indéfini >" otherwise.
+    /// A name as it is kept: proper case down to the genus, lower case below.
+    static QString storedName(const QString& name, int rank);
     static QString champ(int rank);            ///< "[ID Famille]" …, empty otherwise.
     qint32 IDRangTaxon(qint32 id, int rank) const;
     qint32 IDparent(qint32 id) const;
@@ -57,6 +66,10 @@ private:
     QList<qint32> IDSynonymes(qint32 id) const;
     bool moveOne(qint32 moved, qint32 target, const QList<qint32>& all, bool& asked);
     QString askMove(const QList<qint32>& ids, qint32 moved, qint32 target) const;
+    bool sinks(qint32 moved, qint32 target) const;
+    QString fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent, int rank);
+    void addParents(editing::Cl_Editions& form, qint32 above, int rank, bool known);
+    bool editNew(qint32 parent, int rank, const QString& name);
     int rankOfForm(const editing::Cl_Editions& form) const;
     qint32 parentOfForm(const editing::Cl_Editions& form, int rank) const;
     qint32 writeForm(const editing::Cl_Editions& form, qint32 id, int rank, qint32 parent);

@@ -108,7 +108,9 @@ bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
                 return false;
         }
         const qint32 saved = saveRow(form, id, parent);
-        FillTabEdit(form, saved);
+        editing::Cl_Editions fresh(m_context.editing);
+        FillTabEdit(fresh, saved);
+        takeOver(form, fresh);
         position(saved);
         Q_EMIT Change(saved);
         return true;

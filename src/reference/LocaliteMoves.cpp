@@ -44,11 +44,14 @@ QString Cl_Localité::question(const QList<qint32>& ids) const
              "\r\rEffectuer la suppression ?"_s;
 }
 
+bool Cl_Localité::confirmDelete(const QList<qint32>& ids) const
+{
+    return m_context.dialogues.confirm(question(ids), u"Suppression..."_s, platform::BoxIcon::Stop);
+}
+
 bool Cl_Localité::Delete(const QList<qint32>& ids, bool silent)
 {
-    if (ids.isEmpty())
-        return false;
-    if (!silent && !m_context.dialogues.confirm(question(ids), u"Suppression..."_s, platform::BoxIcon::Stop))
+    if (ids.isEmpty() || (!silent && !confirmDelete(ids)))
         return false;
     QList<qint32> deleted;
     try {
@@ -67,6 +70,8 @@ bool Cl_Localité::Delete(const QList<qint32>& ids, bool silent)
         operation.commit();
     } catch (const jet::Error& error) {
         qCWarning(placeMovesLog).noquote() << "delete" << error.number() << error.description();
+        m_context.dialogues.tell(u"La suppression a échoué :\n"_s + error.description(), u"Suppression..."_s,
+                                 platform::BoxIcon::Stop);
         return false;
     }
     for (const qint32 id : std::as_const(deleted))

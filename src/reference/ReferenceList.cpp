@@ -72,6 +72,16 @@ Found ReferenceList::search(const QString& statement, const QString& pattern) co
     return found;
 }
 
+void takeOver(editing::Cl_Editions& form, const editing::Cl_Editions& fresh)
+{
+    for (const auto& field : form) {
+        if (const editing::Cl_Edition* now = fresh.Item(field->champ()))
+            field->ChpEdition()->value = now->value();
+        field->ChpEdition()->Changed = false;
+        field->setTextError({});
+    }
+}
+
 QString quotedName(const QString& name)
 {
     return u'"' + name + u'"';

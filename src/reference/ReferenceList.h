@@ -63,6 +63,9 @@ private:
     mutable std::unique_ptr<jet::Recordset> m_rows;
 };
 
+/// Gives the fields of a form the values of a fresh one. The fields themselves stay: controls may be bound to them.
+void takeOver(editing::Cl_Editions& form, const editing::Cl_Editions& fresh);
+
 /// The name between double quotes, as the messages have it.
 QString quotedName(const QString& name);
 

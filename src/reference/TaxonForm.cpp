@@ -34,12 +34,6 @@ QString newTitle(int rank)
     return rank >= 1 && rank <= lowestRank ? titles[rank - 1] : u"Nouveau taxon"_s;
 }
 
-/// Names are kept in proper case down to the genus, in lower case below.
-QString storedName(const QString& name, int rank)
-{
-    return rank <= 2 ? jet::text::strConv(name.trimmed(), 3) : name.trimmed().toLower();
-}
-
 QVariant orNull(const QString& text)
 {
     return text.isEmpty() ? QVariant() : QVariant(text);
@@ -53,20 +47,35 @@ const QStringList& textColumns()
 
 } // namespace
 
+QString Cl_Taxon::storedName(const QString& name, int rank)
+{
+    return rank <= 2 ? jet::text::strConv(name.trimmed(), 3) : name.trimmed().toLower();
+}
+
 QString Cl_Taxon::FillTabEdit(editing::Cl_Editions& form, qint32 id, qint32 parent)
+{
+    const bool known = id > 0 && position(id);
+    return fillForm(form, known ? id : 0, parent, known ? RangTaxon() : std::min(OrdreTaxon(parent) + 1, lowestRank));
+}
+
+/// Of a name whose parent is still to be chosen the nearest parent is asked alone: it brings along those above it.
+void Cl_Taxon::addParents(editing::Cl_Editions& form, qint32 above, int rank, bool known)
+{
+    static const QStringList helps{u"Nom de la famille"_s, u"Nom du genre"_s, u"Nom de l'espèce"_s};
+    for (int r = above > 0 ? 1 : std::max(1, rank - 1); r < rank; ++r) {
+        const qint32 ancestor = above > 0 ? IDRangTaxon(above, r) : 0;
+        form.Add(data::Taxon, Ordre(r), ancestor > 0 ? QVariant(ancestor) : QVariant(), helps[r - 1], champ(r), false, 0);
+        form.Item(champ(r))->setLocked(known); // an existing name changes its place by being moved
+    }
+}
+
+QString Cl_Taxon::fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent, int rank)
 {
     using namespace data;
     form.Clear();
-    const bool known = id > 0 && position(id);
-    const int rank = known ? RangTaxon() : std::min(OrdreTaxon(parent) + 1, lowestRank);
+    const bool known = id > 0;
     const QString title = known ? NomTaxon(id, 0) + u" ("_s + Ordre(rank) + u')' : newTitle(rank);
-
-    const QStringList helps{u"Nom de la famille"_s, u"Nom du genre"_s, u"Nom de l'espèce"_s};
-    const qint32 above = known ? id : parent;
-    for (int r = 1; r < rank; ++r) {
-        form.Add(Taxon, Ordre(r), IDRangTaxon(above, r), helps[r - 1], champ(r), false, 0);
-        form.Item(champ(r))->setLocked(known); // an existing name changes its place by being moved
-    }
+    addParents(form, known ? id : parent, rank, known);
     form.Add(ListeSimple, u"Rang Taxonomique"_s, Ordre(rank), u"Sélectionnez le rang taxonomique du taxon"_s, fieldRank,
              false, 0);
     form.Item(fieldRank)->ChpEdition()->Descripteurs = {Ordre(1), Ordre(2), Ordre(3), Ordre(4)};
@@ -75,6 +84,7 @@ QString Cl_Taxon::FillTabEdit(editing::Cl_Editions& form, qint32 id, qint32 pare
     const auto now = [&](const QString& column) { return known ? value(column) : QVariant(); };
     form.Add(OuiNon, u"Valide"_s, now(u"ID Valid"_s).isValid() ? u"False"_s : u"True"_s,
              u"Indiquez si le taxon est valide"_s, fieldValid, true, 0);
+    form.Item(fieldValid)->setLocked(true); // the synonymy has a form of its own
     form.Add(Texte, u"Nom"_s, now(u"Taxon"_s), namePrompt(rank), u"Nom Complet"_s, false, 0);
     form.Add(Texte, u"Auteur(s) "_s, now(u"Auteurs"_s), u"Nom du ou des Auteur(s) "_s, u"Auteurs"_s, true, 0);
     form.Add(Date, u"Date Publication"_s, now(u"DateOriginal"_s), u"Date de la publication originale"_s,
@@ -161,7 +171,9 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
                                            "Merci de reporter ce Bug en indiquant le plus précisément le contexte"_s,
                                      u"Bug dans la gestion de la taxinomie"_s, platform::BoxIcon::Stop);
         }
-        FillTabEdit(form, saved, parent);
+        editing::Cl_Editions fresh(m_context.editing);
+        FillTabEdit(fresh, saved, parent);
+        takeOver(form, fresh);
         position(saved);
         Q_EMIT Change(saved);
         return true;
@@ -171,13 +183,29 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
     }
 }
 
-bool Cl_Taxon::Add(qint32 parent)
+bool Cl_Taxon::Add(qint32 parent, const QString& name)
+{
+    return editNew(parent, std::min(OrdreTaxon(parent) + 1, lowestRank), name);
+}
+
+bool Cl_Taxon::AddOfRank(int rank, const QString& name)
+{
+    return editNew(0, std::clamp(rank, 1, lowestRank), name);
+}
+
+bool Cl_Taxon::editNew(qint32 parent, int rank, const QString& name)
 {
     if (!m_context.form)
         return false;
     editing::Cl_Editions form(m_context.editing);
-    const QString title = FillTabEdit(form, 0, parent);
-    return m_context.form->edit(title, form, [this](editing::Cl_Editions& f) { return Save(f); });
+    const QString title = fillForm(form, 0, parent, rank);
+    form.Remove(fieldSynonyms); // a list, which a form of one name does not show
+    if (!name.isEmpty())
+        form.Item(u"Nom Complet"_s)->setValue(name);
+    return m_context.form->edit(title, form, [this](editing::Cl_Editions& f) {
+        position(0);
+        return Save(f);
+    });
 }
 
 bool Cl_Taxon::Edit(qint32 id)
@@ -186,6 +214,7 @@ bool Cl_Taxon::Edit(qint32 id)
         return false;
     editing::Cl_Editions form(m_context.editing);
     const QString title = FillTabEdit(form, id, IDparent(id));
+    form.Remove(fieldSynonyms);
     position(id);
     return m_context.form->edit(title, form, [this, id](editing::Cl_Editions& f) {
         position(id);

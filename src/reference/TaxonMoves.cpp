@@ -16,20 +16,21 @@ Q_LOGGING_CATEGORY(movesLog, "herbora.taxons")
 
 } // namespace
 
+bool Cl_Taxon::confirmDelete(const QList<qint32>& ids) const
+{
+    const QString what = ids.size() == 1
+                             ? u"Vous allez SUPPRIMER le Taxon "_s + quotedName(NomTaxon(ids.first(), 0)) + u"...!!!"_s
+                             : u"Vous allez SUPPRIMER "_s + QString::number(ids.size()) + u" Taxons...!!!"_s;
+    return m_context.dialogues.confirm(
+        what + u"\rLa suppression d'un Taxon entraîne la suppression de tous les sous-taxons ainsi que la rupture définitive des liens"
+               "\r\rSupprimer les Taxons sélectionnés ?"_s,
+        u"Suppression..."_s, platform::BoxIcon::Stop);
+}
+
 bool Cl_Taxon::Delete(const QList<qint32>& ids, bool silent)
 {
-    if (ids.isEmpty())
+    if (ids.isEmpty() || (!silent && !confirmDelete(ids)))
         return false;
-    if (!silent) {
-        const QString what = ids.size() == 1
-                                 ? u"Vous allez SUPPRIMER le Taxon "_s + quotedName(NomTaxon(ids.first(), 0)) + u"...!!!"_s
-                                 : u"Vous allez SUPPRIMER "_s + QString::number(ids.size()) + u" Taxons...!!!"_s;
-        if (!m_context.dialogues.confirm(
-                what + u"\rLa suppression d'un Taxon entraîne la suppression de tous les sous-taxons ainsi que la rupture définitive des liens"
-                       "\r\rSupprimer les Taxons sélectionnés ?"_s,
-                u"Suppression..."_s, platform::BoxIcon::Stop))
-            return false;
-    }
     QList<qint32> deleted;
     try {
         jet::Operation operation(m_context.database, u"Suppression de taxons"_s);
@@ -46,6 +47,8 @@ bool Cl_Taxon::Delete(const QList<qint32>& ids, bool silent)
         operation.commit();
     } catch (const jet::Error& error) {
         qCWarning(movesLog).noquote() << "delete" << error.number() << error.description();
+        m_context.dialogues.tell(u"La suppression a échoué :\n"_s + error.description(), u"Suppression..."_s,
+                                 platform::BoxIcon::Stop);
         return false;
     }
     for (const qint32 id : std::as_const(deleted))
@@ -64,6 +67,21 @@ QString Cl_Taxon::askMove(const QList<qint32>& ids, qint32 moved, qint32 target)
     return what + u" dans le taxon "_s + quotedName(NomTaxon(target, 0)) + u" ?\r\n"_s;
 }
 
+/// The target is no place for the name but the name under which it is sunk.
+bool Cl_Taxon::sinks(qint32 moved, qint32 target) const
+{
+    const int movedRank = OrdreTaxon(moved);
+    const int targetRank = OrdreTaxon(target);
+    return movedRank > 0 && moved != target
+           && (movedRank == targetRank || (movedRank == 3 && targetRank == 4)
+               || (movedRank == 4 && IDRangTaxon(moved, 3) == target));
+}
+
+bool Cl_Taxon::movesIntoSynonymy(const QList<qint32>& ids, qint32 target) const
+{
+    return std::any_of(ids.begin(), ids.end(), [&](qint32 id) { return sinks(id, target); });
+}
+
 /// False when the user said no to the move as a whole.
 bool Cl_Taxon::moveOne(qint32 moved, qint32 target, const QList<qint32>& all, bool& asked)
 {
@@ -71,14 +89,13 @@ bool Cl_Taxon::moveOne(qint32 moved, qint32 target, const QList<qint32>& all, bo
     const int targetRank = OrdreTaxon(target);
     if (movedRank == 0 || targetRank == 0)
         return true;
-    const bool ofItsSpecies = movedRank == 4 && IDRangTaxon(moved, 3) == target;
     if (movedRank < 4) {
         for (int rank = 1; rank <= movedRank; ++rank) {
             if (IDRangTaxon(moved, rank) == target)
                 return true; // the target is the taxon itself or already above it
         }
     }
-    if (movedRank == targetRank || (movedRank == 3 && targetRank == 4) || ofItsSpecies) {
+    if (sinks(moved, target)) {
         if (EditSynonymie(moved, target))
             Q_EMIT Change(moved);
         return true;

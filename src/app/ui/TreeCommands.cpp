@@ -9,6 +9,7 @@ using namespace Qt::StringLiterals;
 TreeCommands::TreeCommands(QObject* parent) : QObject(parent)
 {
     using enum NodeKind;
+    add(u"openReference"_s, u"view-list-tree"_s, u"Ouvrir le &navigateur "_s, {Taxa, Localities, Collectors});
     add(u"openModule"_s, u"table"_s, u"&Ouvrir le Module "_s, {Module, Taxa, Localities, Collectors});
     add(u"addToModule"_s, u"list-add"_s, u"&Ajouter dans le Module "_s, {Module});
     add(u"newModel"_s, u"document-new"_s, u"Créer un nouveau &Modèle"_s, {Module, Model, Group});
@@ -88,7 +89,7 @@ QList<QAction*> TreeCommands::fitting() const
 
 bool TreeCommands::runDefault()
 {
-    static const QStringList opening{u"openModule"_s, u"addFromModel"_s, u"openQuery"_s, u"openSelection"_s};
+    static const QStringList opening{u"openReference"_s, u"openModule"_s, u"addFromModel"_s, u"openQuery"_s, u"openSelection"_s};
     for (const Command& command : std::as_const(m_commands)) {
         if (fits(command) && command.action->isEnabled() && opening.contains(command.action->objectName())) {
             command.action->trigger();

@@ -79,7 +79,7 @@ TEST_F(Tree, CommandsFollowTheNode)
              Case{u"Requête"_s, {u"Créer une nouvelle Requête"_s}},
              Case{u"Modèle"_s, {u"Créer un nouveau Modèle"_s}},
              Case{u"Images-self"_s, {u"-Ouvrir la Sélection flottante"_s, u"-Vider la Sélection flottante"_s}},
-             Case{u"Lstaxons"_s, {u"Ouvrir le Module Taxons"_s}},
+             Case{u"Lstaxons"_s, {u"Ouvrir le navigateur Taxons"_s, u"Ouvrir le Module Taxons"_s}},
          }) {
         widget<QTreeView>(u"moduleTree"_s)->setCurrentIndex(window().dock().model().indexOf(c.key));
         QStringList commands;

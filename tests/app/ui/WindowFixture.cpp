@@ -118,7 +118,10 @@ app::GridTab* WindowTest::openRecords(const QString& key)
     const QModelIndex index = window().dock().model().indexOf(key);
     EXPECT_TRUE(index.isValid()) << key.toStdString();
     tree->setCurrentIndex(index);
-    QTest::keyClick(tree, Qt::Key_Return);
+    if (action(u"openReference"_s)->isEnabled())
+        action(u"openModule"_s)->trigger(); // Return opens the browser of a reference list
+    else
+        QTest::keyClick(tree, Qt::Key_Return);
     settle();
     return window().documents().currentGrid();
 }

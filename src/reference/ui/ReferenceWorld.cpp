@@ -1,0 +1,65 @@
+#include "reference/ui/ReferenceWorld.h"
+
+#include "platform/ui/TaskRunner.h"
+
+#include <QEventLoop>
+#include <QLoggingCategory>
+
+namespace reference {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Q_LOGGING_CATEGORY(worldLog, "herbora.reference.ui")
+
+constexpr int cancelledError = 3059;
+
+} // namespace
+
+bool ReferenceWorld::isAway() const
+{
+    return runner && runner->isRunning();
+}
+
+void ReferenceWorld::whenHere(QObject* owner, const std::function<void()>& work) const
+{
+    if (!isAway())
+        return work();
+    auto* waiting = new QObject(owner);
+    QObject::connect(runner, &platform::TaskRunner::finished, waiting, [waiting, work] {
+        waiting->deleteLater();
+        work();
+    });
+}
+
+void ReferenceWorld::waitHere() const
+{
+    if (!isAway())
+        return;
+    QEventLoop loop;
+    QObject::connect(runner, &platform::TaskRunner::finished, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+void ReferenceWorld::workLong(const QString& title, const std::function<void()>& work)
+{
+    try {
+        beside(title, [this, &work](platform::Progression& progression) {
+            database.SetProgress([&progression] { return !progression.cancelled(); });
+            try {
+                work();
+            } catch (...) {
+                database.SetProgress({});
+                throw;
+            }
+            database.SetProgress({});
+        });
+    } catch (const jet::Error& error) {
+        qCWarning(worldLog).noquote() << title << error.number() << error.description();
+        if (error.number() != cancelledError)
+            dialogues.tell(error.description(), title, platform::BoxIcon::Stop);
+    }
+}
+
+} // namespace reference
