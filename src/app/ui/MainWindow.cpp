@@ -9,6 +9,7 @@
 #include "app/ui/MapDesk.h"
 #include "app/ui/ManualWindow.h"
 #include "app/ui/QueryDesk.h"
+#include "app/ui/ReferenceDesk.h"
 #include "app/ui/TreeObjects.h"
 
 #include <QApplication>
@@ -132,6 +133,7 @@ void MainWindow::makeDesks()
     m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
     m_desks.push_back(std::make_unique<MapDesk>(*m_place));
     m_desks.push_back(std::make_unique<QueryDesk>(*m_place));
+    m_desks.push_back(std::make_unique<ReferenceDesk>(*m_place));
     m_desks.push_back(std::make_unique<AccessDesk>(*m_place, *m_commands));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
