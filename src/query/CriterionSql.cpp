@@ -12,6 +12,9 @@ using jet::texte;
 
 namespace {
 
+/// Shorter texts are parts of a date wherever one looks for what contains them.
+constexpr qsizetype shortestDate = 4;
+
 const QStringList& knownOperators()
 {
     static const QStringList known{u"="_s, u"<>"_s, u"<"_s, u">"_s, u"LIKE"_s, u"NOT LIKE"_s,
@@ -162,7 +165,7 @@ QString plainSql(const Node& field, const QString& expression, const QString& op
     if (op.endsWith(u"LIKE")) {
         QString pattern = value;
         if (!pattern.contains(u'*')) {
-            if (type == data::Date && !several)
+            if (type == data::Date && !several && pattern.size() >= shortestDate) // "19" is a part, not 2019
                 pattern = dateText(pattern, context);
             pattern = u'*' + pattern + u'*';
         }

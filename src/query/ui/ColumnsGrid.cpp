@@ -194,8 +194,10 @@ ColumnsGrid::ColumnsGrid(QWidget* parent) : QTableView(parent), m_model(new Colu
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionResizeMode(ColumnsModel::Field, QHeaderView::Stretch);
-    horizontalHeader()->resizeSection(ColumnsModel::Alias, fontMetrics().averageCharWidth() * 26);
-    horizontalHeader()->resizeSection(ColumnsModel::Order, fontMetrics().averageCharWidth() * 18);
+    horizontalHeader()->setSectionResizeMode(ColumnsModel::Alias, QHeaderView::Stretch);
+    horizontalHeader()->setSectionResizeMode(ColumnsModel::Order, QHeaderView::Fixed);
+    horizontalHeader()->resizeSection(ColumnsModel::Order, fontMetrics().horizontalAdvance(u"Ordre du Tri"_s) + 20);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 void ColumnsGrid::setQuery(Query* query)

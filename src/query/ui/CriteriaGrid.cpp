@@ -24,12 +24,15 @@ CriteriaGrid::CriteriaGrid(QWidget* parent)
     setItemsExpandable(true);
     setExpandsOnDoubleClick(false);
     setContextMenuPolicy(Qt::CustomContextMenu);
-    const int character = fontMetrics().averageCharWidth();
-    header()->resizeSection(CriteriaModel::Link, character * 13);
-    header()->resizeSection(CriteriaModel::Field, character * 30);
-    header()->resizeSection(CriteriaModel::Operator, character * 18);
+    setIndentation(14);
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(QHeaderView::Stretch);
+    header()->setSectionResizeMode(CriteriaModel::Link, QHeaderView::Interactive);
+    header()->setSectionResizeMode(CriteriaModel::Operator, QHeaderView::Interactive);
+    header()->resizeSection(CriteriaModel::Link, fontMetrics().horizontalAdvance(u"Liaison"_s) + 34);
+    header()->resizeSection(CriteriaModel::Operator, fontMetrics().horizontalAdvance(u"Ne Contient pas"_s) + 16);
     header()->setSectionsMovable(false);
-    header()->setStretchLastSection(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] { expandAll(); });
     connect(this, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { Q_EMIT menuWanted(viewport()->mapToGlobal(at)); });

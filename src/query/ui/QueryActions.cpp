@@ -57,7 +57,7 @@ void QueryActions::add(const QString& name, const QString& icon, const QString& 
                        const QString& shortcut)
 {
     auto* action = new QAction(QIcon::fromTheme(icon), text, this);
-    action->setObjectName(name);
+    action->setObjectName(u"requete-"_s + name);
     action->setToolTip(shortcut.isEmpty() ? tip : tip + u" ("_s + shortcut + u')');
     action->setStatusTip(tip);
     if (!shortcut.isEmpty()) {

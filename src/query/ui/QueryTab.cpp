@@ -156,7 +156,7 @@ QWidget* QueryTab::makeDefinition()
     m_tabs->addTab(makeGrids(), u"Champs et critères"_s);
     m_tabs->addTab(makeStatement(), u"SQL"_s);
     sides->addWidget(m_tabs);
-    sides->setSizes({260, 720});
+    sides->setSizes({210, 720});
     sides->setStretchFactor(0, 0);
     sides->setStretchFactor(1, 1);
     return sides;
@@ -194,7 +194,7 @@ QWidget* QueryTab::makeGrids()
     criteria->addWidget(m_note);
     grids->addWidget(left);
     grids->addWidget(right);
-    grids->setSizes({330, 420});
+    grids->setSizes({300, 400});
     return grids;
 }
 
@@ -264,6 +264,12 @@ void QueryTab::connectPane()
     connect(m_pane, &ResultPane::insertPlacesWanted, this, [this](const QList<qint32>& places) {
         m_query->insertPlaces(places);
         execute();
+    });
+    connect(m_pane, &ResultPane::insertRectangleWanted, this, [this](const QRectF& area) {
+        const auto degrees = [](double value) { return QString::number(value, 'f', 8); };
+        if (m_query->insertRectangle(degrees(area.left()), degrees(area.top()), degrees(area.right()),
+                                     degrees(area.bottom())))
+            execute();
     });
     connect(m_pane, &ResultPane::columnMenuWanted, this, &QueryTab::showColumnMenu);
     connect(m_pane, &ResultPane::selectionChanged, this, &QueryTab::updateActions);
