@@ -15,6 +15,7 @@ namespace {
 
 constexpr int smallestLevel = 256; ///< Pixels; smaller copies are not worth their place.
 constexpr int labelsMost = 400;
+constexpr int signsMost = 15000; ///< More of them are thinned out.
 constexpr int labelWidthMost = 260;
 constexpr double selectedLarger = 3; ///< Pixels that selected signs are larger.
 
@@ -144,54 +145,78 @@ QImage pointSign(const PointStyle& style, double size, bool selected, double pix
     return sign;
 }
 
+namespace {
+
+/// A point in the picture.
+struct Placed {
+    QPointF at;
+    int point;
+};
+
+/// Side of the squares of which only the largest point is drawn: one pixel for a few points; for very many as much as
+/// hides none that does not touch a larger one.
+int squareSide(qsizetype points, const QSizeF& picture, const PointSizes& sizes)
+{
+    const double side = std::sqrt(picture.width() * picture.height() / signsMost);
+    return points <= signsMost ? 1 : std::clamp(int(std::ceil(side)), 2, qMax(2, int(sizes.smallest)));
+}
+
+/// Draws those that are not selected; the largest come first.
+void drawPlain(QPainter& painter, Signs& signs, const std::vector<Placed>& placed, const DrawnPoints& drawn,
+               const PointSizes& sizes, const QSizeF& picture)
+{
+    const int side = squareSide(qsizetype(placed.size()), picture, sizes);
+    const int width = int(picture.width()) / side + 1, height = int(picture.height()) / side + 1;
+    std::vector<short> last(size_t(width) * size_t(height)); // size of the sign drawn last in a square
+    for (const auto& [at, i] : placed) {
+        const short across = short(std::lround(sizes.size(drawn.points.at(i).count, drawn.points.largest())));
+        if (at.x() >= 0 && at.y() >= 0 && at.x() < picture.width() && at.y() < picture.height()) {
+            short& before = last[size_t(int(at.y()) / side) * size_t(width) + size_t(int(at.x()) / side)];
+            if (before == across || (side > 1 && before != 0))
+                continue;
+            before = across;
+        }
+        drawSign(painter, signs.of(across, false), at);
+    }
+}
+
+void drawRing(QPainter& painter, QPointF at, double radius)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    for (const QPen& pen : {QPen(Qt::white, 3.4), QPen(Qt::black, 1.4)}) {
+        painter.setPen(pen);
+        painter.drawEllipse(at, radius, radius);
+    }
+}
+
+} // namespace
+
 int drawPoints(QImage& picture, const DrawnPoints& drawn, const ViewTransform& view, const PointStyle& style)
 {
     if (!style.visible)
         return 0;
-    QPainter painter(&picture);
-    Signs signs(style, picture.devicePixelRatio());
     const QSizeF size = shownSize(picture);
     const QRectF within = withMargin(size, style.sizes.largest);
-    const int width = int(size.width()) + 1, height = int(size.height()) + 1;
-    std::vector<short> last(size_t(width) * size_t(height)); // size of the sign drawn last at a pixel
-    std::vector<std::pair<QPointF, int>> above;
-    int inside = 0;
+    std::vector<Placed> plain, above;
     for (const int i : drawn.order) {
         const MapPoint& point = drawn.points.at(i);
         if (!style.sizes.shows(point.count))
             break; // they are sorted
         const QPointF at = view.position(point.at);
-        if (!within.contains(at))
-            continue;
-        ++inside;
-        const int across = int(std::lround(style.sizes.size(point.count, drawn.points.largest())));
-        if (drawn.selected[size_t(i)] || i == drawn.current) {
-            above.emplace_back(at, i);
-            continue;
-        }
-        const int x = int(at.x()), y = int(at.y());
-        if (x >= 0 && y >= 0 && x < width && y < height) {
-            short& before = last[size_t(y) * size_t(width) + size_t(x)];
-            if (before == across)
-                continue;
-            before = short(across);
-        }
-        drawSign(painter, signs.of(across, false), at);
+        if (within.contains(at))
+            (drawn.selected[size_t(i)] || i == drawn.current ? above : plain).push_back({at, i});
     }
+    QPainter painter(&picture);
+    Signs signs(style, picture.devicePixelRatio());
+    drawPlain(painter, signs, plain, drawn, style.sizes, size);
     for (const auto& [at, i] : above) {
         const int across = int(std::lround(style.sizes.size(drawn.points.at(i).count, drawn.points.largest())));
         drawSign(painter, signs.of(across, drawn.selected[size_t(i)]), at);
-        if (i == drawn.current) {
-            painter.setRenderHint(QPainter::Antialiasing);
-            const double radius = across / 2.0 + 4;
-            painter.setBrush(Qt::NoBrush);
-            painter.setPen(QPen(Qt::white, 3.4));
-            painter.drawEllipse(at, radius, radius);
-            painter.setPen(QPen(Qt::black, 1.4));
-            painter.drawEllipse(at, radius, radius);
-        }
+        if (i == drawn.current)
+            drawRing(painter, at, across / 2.0 + 4);
     }
-    return inside;
+    return int(plain.size() + above.size());
 }
 
 void drawLabels(QImage& picture, const DrawnPoints& drawn, const ViewTransform& view, const PointStyle& style,

@@ -48,8 +48,8 @@ struct DrawnPoints {
 /// Positions of the points, those with most records first.
 std::vector<int> drawingOrder(const Points& points);
 
-/// Draws points into a picture (with its device pixel ratio). Equal signs on one pixel are drawn once, selected ones lie on
-/// top. Gives how many are in the picture.
+/// Draws points into an opaque picture (RGB32, with its device pixel ratio). Equal signs on one pixel are drawn once, selected ones lie on
+/// top; of very many, those are left out that a larger one touches. Gives how many are in the picture.
 int drawPoints(QImage& picture, const DrawnPoints& drawn, const ViewTransform& view, const PointStyle& style);
 /// Names beside the points, as far as they do not cover each other, the largest points first.
 void drawLabels(QImage& picture, const DrawnPoints& drawn, const ViewTransform& view, const PointStyle& style,

@@ -43,6 +43,7 @@ QByteArray contentOf(ExportFormat format, const Points& points, const ExportCont
 
 bool write(ExportFormat format, const QString& file, const QByteArray& content, platform::Dialogues& dialogues)
 {
+    platform::removeUnfinished(file); // of an export that was cut off
     const QString error = platform::replaceFile(file, content);
     if (error.isEmpty())
         return true;

@@ -34,8 +34,8 @@ bool Frame::isCalibrated() const
 
 bool Frame::contains(Geo place) const
 {
-    const auto [west, east] = std::minmax(X0, right());
-    const auto [south, north] = std::minmax(bottom(), Y0);
+    const auto [west, east] = std::minmax({X0, right()});
+    const auto [south, north] = std::minmax({bottom(), Y0});
     return place.longitude >= west && place.longitude <= east && place.latitude >= south && place.latitude <= north;
 }
 

@@ -1,5 +1,7 @@
 #include "Operation.h"
 
+#include "AccessOperations.h"
+#include "MapOperations.h"
 #include "Project.h"
 #include "app/ProjectFiles.h"
 #include "app/References.h"
@@ -409,7 +411,17 @@ const std::vector<Operation>& operations()
          {}},
         {u"naif"_s, prepareText, replaceInPlace, nothingToStart, textState, {textFile}, {}, true},
     };
-    return table;
+    static const std::vector<Operation> all = [] {
+        std::vector<Operation> rows = table;
+        for (const Operation& row : mapOperations()) {
+            rows.push_back(row);
+        }
+        for (const Operation& row : accessOperations()) {
+            rows.push_back(row);
+        }
+        return rows;
+    }();
+    return all;
 }
 
 } // namespace faults

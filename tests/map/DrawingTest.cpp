@@ -80,6 +80,27 @@ TEST(Drawing, SmallPointsLieOnLargeOnesAndSelectedOnesOnTop)
     EXPECT_TRUE(isBlue(sheet.at({5, 5})));
 }
 
+/// A dense sheet is thinned out, but no point disappears that stands alone, and selected ones all show.
+TEST(Drawing, VeryManyPointsLeaveNoneOutThatStandsAlone)
+{
+    Sheet sheet;
+    sheet.picture = QImage(1000, 500, QImage::Format_RGB32);
+    sheet.view = ViewTransform::whole({0, 10, 20, 10}, {200, 100}, {1000, 500});
+    int id = 0;
+    for (int i = 0; i < 40000; ++i) // a carpet in the west
+        sheet.points.add({.locality = ++id, .at = {0.01 + (i % 200) * 0.04, 0.01 + (i / 200) * 0.049}});
+    for (int i = 0; i < 10; ++i)
+        sheet.points.add({.locality = ++id, .at = {12.0 + (i % 5), 3.0 + (i / 5)}});
+    sheet.selected.assign(size_t(sheet.points.size()), false);
+    sheet.selected[20100] = true;
+    EXPECT_EQ(sheet.draw(), 40010);
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(isRed(sheet.at({12.0 + (i % 5), 3.0 + (i / 5)}))) << i;
+    EXPECT_TRUE(isBlue(sheet.at(sheet.points.at(20100).at)));
+    for (int x = 20; x < 380; x += 7)
+        EXPECT_NE(sheet.picture.pixelColor(x, 250), QColor(Qt::white)) << x;
+}
+
 TEST(Drawing, ScaledPicturesKeepTheirPlaces)
 {
     QImage whole(1024, 512, QImage::Format_RGB32);
