@@ -1,7 +1,6 @@
 #include "Operation.h"
 
 #include "AccessOperations.h"
-#include "MapOperations.h"
 #include "Project.h"
 #include "app/ProjectFiles.h"
 #include "app/References.h"
@@ -413,9 +412,6 @@ const std::vector<Operation>& operations()
     };
     static const std::vector<Operation> all = [] {
         std::vector<Operation> rows = table;
-        for (const Operation& row : mapOperations()) {
-            rows.push_back(row);
-        }
         for (const Operation& row : accessOperations()) {
             rows.push_back(row);
         }
