@@ -86,12 +86,10 @@ QString DescriptorLists::cleaned(const QString& text)
 {
     QString result;
     for (const QChar c : text.normalized(QString::NormalizationForm_C)) {
-        if (c == u';' || c == u'\r' || c == u'\n' || c == u'\t')
-            result += u' ';
-        else if (c.isPrint())
+        if (c != u';' && c != u'"' && c.isPrint()) // line ends and TABs are not
             result += c;
     }
-    return result.simplified();
+    return result.trimmed();
 }
 
 QStringList DescriptorLists::normalized(const QStringList& items)

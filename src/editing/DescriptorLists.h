@@ -39,7 +39,7 @@ public:
     /// Rebuilds the list from the values that records hold. Gives the new list.
     QStringList synchronise(const ListField& field);
 
-    /// Without the characters that a list cannot hold (";" and line ends), trimmed.
+    /// Without what a descriptor cannot hold (";", line ends, TABs, double quotation marks), trimmed.
     static QString cleaned(const QString& text);
     /// Trimmed, without empty items and repetitions; the order stays.
     static QStringList normalized(const QStringList& items);

@@ -4,6 +4,8 @@
 #include "editing/Formats.h"
 #include "editing/Trapped.h"
 #include "jet/Compile.h"
+#include "jet/Recordset.h"
+#include "jet/SqlText.h"
 #include "jet/Store.h"
 #include "jet/sql/Parser.h"
 #include "jet/text/Values.h"
@@ -158,11 +160,26 @@ QString FieldInput::columnProblem(const Cl_Edition& field) const
         const int width = column->Size > 0 ? column->Size : jet::defaultTextSize;
         if (column->Type == jet::DataType::Text && isTextValue(field.value()) && field.value().toString().size() > width)
             return u"Texte trop long : %1 caractères au plus"_s.arg(width);
+        if (const QString other = field.ChpEdition()->ChampUnique ? holderOf(field) : QString(); !other.isEmpty())
+            return u"Cette valeur est déjà celle de l'enregistrement N° "_s + other;
         if (column->ValidationRule.trimmed().isEmpty() || satisfies(field, *column))
             return {};
         return column->ValidationText.isEmpty() ? u"La valeur ne respecte pas la règle "_s + column->ValidationRule
                                                 : column->ValidationText;
     });
+}
+
+/// Another record that has the value of a field whose values are given once; empty for none.
+QString FieldInput::holderOf(const Cl_Edition& field) const
+{
+    const QString module = field.NomModule();
+    const QString id = jet::nom(u"ID "_s + module);
+    const QVariant value = field.value();
+    const QString literal = isTextValue(value) ? jet::texte(value.toString()) : jet::text::numberText(value.toDouble());
+    const auto rows = m_database->OpenRecordset(u"SELECT TOP 1 "_s + id + u" FROM "_s + jet::nom(module) + u" WHERE "_s
+                                                + jet::nom(field.champ()) + u'=' + literal + u" AND "_s + id + u"<>"_s
+                                                + QString::number(field.IDItem()));
+    return rows->EOF_() ? QString() : rows->Value(0).toString();
 }
 
 /// The rule as the table itself applies it, on this one value. Null is no breach.

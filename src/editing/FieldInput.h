@@ -24,6 +24,7 @@ public:
 
 private:
     QString columnProblem(const Cl_Edition& field) const;
+    QString holderOf(const Cl_Edition& field) const;
     bool satisfies(const Cl_Edition& field, const jet::Field& column) const;
 
     jet::Database* m_database;

@@ -57,9 +57,9 @@ TEST_F(DescriptorListsTest, RenamesInEveryRecordThatUsesIt)
     const auto ask = [&](const QString& old, const QString& text) {
         project.dialogues.expectInput(u"Modification d'un descripteur"_s, u"Nouveau nom pour le descripteur ?"_s, old, text);
     };
-    ask(u"sec"_s, u"humide \"x\""_s);
+    ask(u"sec"_s, u"humide; \"x\"\t"_s); // without what a list cannot hold
     EXPECT_TRUE(lists->rename(herbier, u"sec"_s));
-    EXPECT_EQ(herbaria(), (QStringList{u"humide \"x\";mouillé"_s, u"secondaire;mouillé"_s, u"?;l'été"_s, u"x;humide \"x\""_s, u"humide \"x\""_s}));
+    EXPECT_EQ(herbaria(), (QStringList{u"humide x;mouillé"_s, u"secondaire;mouillé"_s, u"?;l'été"_s, u"x;humide x"_s, u"humide x"_s}));
     EXPECT_EQ(project.rows(u"SELECT DateModify FROM Individus WHERE [ID Individus] IN (1,2)"_s),
               (QStringList{u"2026/03/07 14:05:09"_s, u"∅"_s}));
     ask(u"?"_s, u"!"_s); // a wildcard is only itself
@@ -67,7 +67,7 @@ TEST_F(DescriptorListsTest, RenamesInEveryRecordThatUsesIt)
     ask(u"l'été"_s, u"l'hiver"_s);
     EXPECT_TRUE(lists->rename(herbier, u"l'été"_s));
     EXPECT_EQ(herbaria()[2], u"!;l'hiver"_s);
-    EXPECT_EQ(herbaria()[3], u"x;humide \"x\""_s);
+    EXPECT_EQ(herbaria()[3], u"x;humide x"_s);
     ask(u"mouillé"_s, u"Secondaire"_s);
     project.dialogues.expectTell(u"Modification impossible. Le descripteur 'Secondaire' est déjà défini pour le champ 'Herbiers'"_s,
                                  u"Modification d'un descripteur"_s, BoxIcon::Stop);
@@ -77,6 +77,35 @@ TEST_F(DescriptorListsTest, RenamesInEveryRecordThatUsesIt)
     EXPECT_TRUE(lists->rename(reserve, u"cf."_s));
     EXPECT_EQ(reserves(), (QStringList{u"confer"_s, u"aff."_s, u"∅"_s}));
     EXPECT_EQ(lists->items(reserve), (QStringList{u"confer"_s, u"aff."_s, u"?"_s}));
+}
+
+TEST_F(DescriptorListsTest, WhatIsStoppedIsAsBefore)
+{
+    struct Stopped : platform::NoProgression {
+        bool cancelled() const override { return true; }
+    } stopped;
+    lists->run = [&](const QString&, const editing::LongWork& work) { work(stopped); };
+    const QStringList before = herbaria();
+    const QStringList items = lists->items(herbier);
+    project.dialogues.expectInput(u"Modification d'un descripteur"_s, u"Nouveau nom pour le descripteur ?"_s, u"sec"_s, u"humide"_s);
+    project.dialogues.expectLike({u"annulée par l'utilisateur"_s}, u"Modification d'un descripteur"_s, BoxIcon::Stop);
+    EXPECT_FALSE(lists->rename(herbier, u"sec"_s));
+    EXPECT_EQ(herbaria(), before);
+    EXPECT_EQ(lists->items(herbier), items);
+}
+
+TEST_F(DescriptorListsTest, ARuleThatRefusesLeavesTheRecordsAndTheNewList)
+{
+    jet::Field column = *project.db().schema().table(u"Individus"_s)->field(u"Herbier"_s);
+    column.ValidationRule = u"Not Like \"*humide*\""_s;
+    column.ValidationText = u"Pas d'humidité"_s;
+    project.db().ChangeField(u"Individus"_s, column);
+    const QStringList before = herbaria();
+    project.dialogues.expectInput(u"Modification d'un descripteur"_s, u"Nouveau nom pour le descripteur ?"_s, u"sec"_s, u"humide"_s);
+    project.dialogues.expectTell(u"Pas d'humidité"_s, u"Modification d'un descripteur"_s, BoxIcon::Stop);
+    EXPECT_FALSE(lists->rename(herbier, u"sec"_s));
+    EXPECT_EQ(herbaria(), before);
+    EXPECT_TRUE(lists->items(herbier).contains(u"humide"_s));
 }
 
 TEST_F(DescriptorListsTest, DeletesWithItsReferences)

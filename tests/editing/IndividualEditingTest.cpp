@@ -421,6 +421,27 @@ TEST_F(IndividualEditingTest, ADraftBringsBackWhatWasTyped)
     EXPECT_EQ(edit->node(u"HBTEMP1-Images"_s)->parent->key, u"Images@1-Déterminations"_s);
 }
 
+TEST(FieldInputTest, AValueThatIsGivenOnceIsRefusedAtTheSecondRecord)
+{
+    TestProject project;
+    project.create();
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"A1\")"_s);
+    qint32 last = 0;
+    editing::Cl_Edition field({[&last] { return ++last; }, nullptr, nullptr});
+    field.setCtype(3);
+    field.setNomModule(u"Individus"_s);
+    field.setChamp(u"Numéro"_s);
+    field.ChpEdition()->ChampUnique = true;
+    const editing::FieldInput input(&project.db());
+    input.take(field, u"a1"_s);
+    EXPECT_EQ(field.TextError(), u"Cette valeur est déjà celle de l'enregistrement N° 1"_s);
+    input.take(field, u"A2"_s);
+    EXPECT_EQ(field.TextError(), QString());
+    field.ChpEdition()->IDItem = 1; // the record itself
+    input.take(field, u"A1"_s);
+    EXPECT_EQ(field.TextError(), QString());
+}
+
 TEST(FieldInputTest, WhatIsTypedIsJudgedByTypeAndColumn)
 {
     TestProject project;

@@ -12,7 +12,6 @@
 #include "editing/ui/FormDialog.h"
 #include "editing/ui/RecordEditorWindow.h"
 
-#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QTimer>
 #include <utility>
@@ -27,6 +26,15 @@ namespace {
 /// So many rows around the one that is opened make the list that "previous" and "next" walk.
 constexpr int longestList = 2000;
 const QString titleAdd = u"Ajout"_s;
+
+int selectedRows(GridTab& grid)
+{
+    int count = 0;
+    const QItemSelection selection = grid.view().selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection)
+        count += range.height();
+    return count;
+}
 
 /// Records whose fields are those of the add-ins, with what only these know.
 class SessionRecords : public editing::ProjectRecords {
@@ -206,7 +214,7 @@ void EditorDesk::updateActions()
 
 void EditorDesk::offerDraft()
 {
-    if (!m_project || !QFileInfo::exists(editing::DraftKeeper::fileFor(session().path())))
+    if (!m_project || !editing::DraftKeeper::isKept(editing::DraftKeeper::fileFor(session().path())))
         return;
     if (place().runner().isRunning()) {
         connect(&place().runner(), &platform::TaskRunner::finished, this, &EditorDesk::offerDraft,
@@ -281,8 +289,13 @@ bool EditorDesk::edit(const QString& path)
 void EditorDesk::editRow(GridTab* grid, qint32 id)
 {
     const QString module = grid->source().key;
-    if (session().dictionary().module(module))
-        place().editRecords(IndividualEditing::levelPath(module, grid->idsAround(longestList), id));
+    if (!session().dictionary().module(module))
+        return;
+    // Several rows that are selected are the list; else it is what stands around the row.
+    const int count = selectedRows(*grid);
+    const QList<qint32> selected = count > 1 && count <= longestList ? grid->selectedIds() : QList<qint32>();
+    place().editRecords(
+        IndividualEditing::levelPath(module, selected.contains(id) ? selected : grid->idsAround(longestList), id));
 }
 
 void EditorDesk::editCurrentRow()

@@ -146,6 +146,9 @@ void RecordEditorWindow::connectTree()
             m_model->changed(record->key);
         updateState();
     });
+    connect(m_pane, &FormPane::leftAtEnd, this, [this] {
+        statusBar()->showMessage(u"Dernier champ : Ctrl+S enregistre, Ctrl+N ajoute un enregistrement"_s);
+    });
     connect(m_pane, &FormPane::entered, this, [this](Cl_Edition* field) {
         statusBar()->showMessage(field ? field->TextHelp() : QString());
         updateState();
@@ -505,7 +508,7 @@ bool RecordEditorWindow::offerDraft()
          "Non les efface ; Annuler les garde pour la prochaine ouverture."_s,
          m_editing.caption(), platform::BoxIcon::Question, platform::BoxButtons::YesNoCancel});
     if (answer == Answer::No)
-        m_draft->discard();
+        m_draft->forget();
     if (answer != Answer::Yes)
         return false;
     if (!m_editing.restoreDraft(kept)) {
@@ -514,6 +517,7 @@ bool RecordEditorWindow::offerDraft()
                                 m_editing.caption(), platform::BoxIcon::Warning);
         return false;
     }
+    m_draft->takeUp();
     QWidget::show();
     m_pane->focusFirst();
     return true;

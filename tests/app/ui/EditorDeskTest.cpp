@@ -10,7 +10,13 @@
 #include "jet/Recordset.h"
 
 #include <QDialog>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTimer>
@@ -78,6 +84,13 @@ TEST_F(Editor, WalksTheRowsOfTheListFromTheOneThatWasOpened)
     key(Qt::Key_Left, Qt::AltModifier);
     EXPECT_EQ(edited().CurrentIndividu(), 1);
     RecordEditorWindow* first = &editor();
+    // Rows that are selected are the list.
+    app::GridTab* grid = window().documents().currentGrid();
+    grid->view().selectRow(0);
+    grid->view().selectionModel()->setCurrentIndex(grid->model().index(2, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    QTest::keyClick(&grid->view(), Qt::Key_Return);
+    EXPECT_EQ(edited().CurrentIndividu(), 3);
+    EXPECT_EQ(edited().listText(), u"2 / 2"_s);
     editRow(u"Déterminations"_s, 2); // the same window, on records of another module
     EXPECT_EQ(&editor(), first);
     EXPECT_EQ(edited().current()->key, u"3-Déterminations"_s);
@@ -137,6 +150,47 @@ TEST_F(Editor, OffersWhatACrashLeft)
     expectSave(u"à la propriété < Individu - N° 1 >"_s, Answer::No, BoxButtons::YesNoCancel);
     editor().close();
     EXPECT_FALSE(QFileInfo::exists(path(u"projet.hbx.saisie"_s)));
+}
+
+/// What a draft holds of the habitat of the individual; empty for none.
+QString draftedHabitat(const QString& file)
+{
+    QFile draft(file);
+    if (!draft.open(QIODevice::ReadOnly))
+        return {};
+    const QJsonArray records = QJsonDocument::fromJson(draft.readAll()).object().value(u"enregistrements"_s).toArray();
+    return records.first().toObject().value(u"valeurs"_s).toObject().value(u"Habitat"_s).toString();
+}
+
+TEST_F(Editor, LosesNothingOfLongTypingWhenItIsKilled)
+{
+    constexpr int patience = 30000;
+    makeProject();
+    const QString draft = path(u"projet.hbx.saisie"_s);
+    QString kept; // the text as it was before the typing, and what an earlier hand typed
+    for (int round = 0; round < 2; ++round) {
+        QProcess typist;
+        typist.start(QCoreApplication::applicationDirPath() + u"/editor_typist"_s, {path()});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return draftedHabitat(draft).size() > kept.size() + 20; }, patience));
+        typist.kill();
+        ASSERT_TRUE(typist.waitForFinished());
+        const QString typed = QString::fromLatin1(typist.readAllStandardOutput());
+        const QString found = draftedHabitat(draft);
+        const qsizetype before = round == 0 ? u"forêt \"dense\""_s.size() : kept.size();
+        EXPECT_EQ(found.left(kept.size()), kept); // of the first hand
+        EXPECT_EQ(found.mid(before), typed.left(found.size() - before));
+        kept = found;
+    }
+    dialogues.expect(draftQuestion, Answer::Yes);
+    openProject();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(desk().window());
+    expectSave(u"à la propriété < Individu - N° 1 >"_s, Answer::Yes);
+    key(Qt::Key_S, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(program->session().database().OpenRecordset(u"SELECT [Habitat] FROM Individus WHERE [ID Individus]=1"_s)->Value(0), kept);
+    EXPECT_TRUE(editor().close());
+    EXPECT_EQ(QDir(folder.path()).entryList({u"*saisie*"_s}), QStringList());
 }
 
 TEST_F(Editor, ServesTheCommandsOfTheTree)
