@@ -22,6 +22,8 @@ namespace {
 
 Q_LOGGING_CATEGORY(structureLog, "herbora.structure")
 
+const QString importTitle = u"Import de modules"_s;
+
 bool isBuiltIn(const DraftModule& module)
 {
     return jet::sameName(module.record.name, data::moduleIndividus)
@@ -356,6 +358,8 @@ bool StructureEditing::exportTo(const QString& path)
     for (const DraftModule& module : m_draft.modules())
         modules << module.definition();
     try {
+        if (QFileInfo(path).canonicalFilePath() == QFileInfo(m_session.path()).canonicalFilePath())
+            jet::fail(3045, path, u"ce programme"_s);
         exportStructure(path, modules, m_session.surroundings().version, m_session.surroundings().clock, dialogues());
         return true;
     } catch (const jet::Error& error) {
@@ -380,22 +384,36 @@ QList<data::ModuleRecord> StructureEditing::offered(const QList<data::ModuleReco
     return modules;
 }
 
+/// What a file offers; when that is nothing, it is said.
+QList<data::ModuleRecord> StructureEditing::modulesIn(const QString& path) const
+{
+    try {
+        const auto given = offered(structureOf(path, m_session.surroundings().clock, dialogues()));
+        if (given.isEmpty())
+            dialogues().tell(u"Ce fichier ne contient aucun module défini par l'utilisateur."_s,
+                             caption() + u": "_s + importTitle);
+        return given;
+    } catch (const jet::Error& error) {
+        refuse(u"La structure n'a pas été importée :\n"_s + error.description(), importTitle);
+        return {};
+    }
+}
+
+bool StructureEditing::importAllFrom(const QString& path)
+{
+    const QList<data::ModuleRecord> given = modulesIn(path);
+    if (!given.isEmpty())
+        take(given);
+    return !given.isEmpty();
+}
+
 bool StructureEditing::importFrom(const QString& path)
 {
-    const QString what = u"Import de modules"_s;
-    QList<data::ModuleRecord> given;
-    try {
-        given = offered(structureOf(path, m_session.surroundings().clock, dialogues()));
-    } catch (const jet::Error& error) {
-        refuse(u"La structure n'a pas été importée :\n"_s + error.description(), what);
+    const QList<data::ModuleRecord> given = modulesIn(path);
+    if (given.isEmpty())
         return false;
-    }
-    if (given.isEmpty()) {
-        dialogues().tell(u"Ce fichier ne contient aucun module défini par l'utilisateur."_s, caption() + u": "_s + what);
-        return false;
-    }
     platform::Choice choice;
-    choice.title = caption() + u": "_s + what;
+    choice.title = caption() + u": "_s + importTitle;
     choice.prompt = u"Sélectionnez les modules à importer de « %1 »"_s.arg(QFileInfo(path).fileName());
     choice.column = u"Module"_s;
     choice.several = true;
@@ -440,7 +458,7 @@ void StructureEditing::take(const QList<data::ModuleRecord>& given)
     if (!refused.isEmpty())
         refuse(u"Ces modules n'ont pas été importés, car leur nom est invalide ou déjà existant dans la base :\n"_s
                    + refused.join(u'\n'),
-               u"Import de modules"_s);
+               importTitle);
 }
 
 } // namespace app

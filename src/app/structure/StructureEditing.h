@@ -66,6 +66,7 @@ public:
     bool synchroniseDescriptors(); ///< Asks; of all list fields that are saved.
     bool exportTo(const QString& path);
     bool importFrom(const QString& path); ///< Asks which modules.
+    bool importAllFrom(const QString& path);
 
     /// The types offered, in their order: what the user reads and the code.
     static const QList<QPair<QString, int>>& typesOffered();
@@ -79,6 +80,7 @@ private:
     bool askDeletion(const QStringList& lines, const QString& what) const;
     bool linkTo(int field);
     QString chooseLinked(const DraftModule& individus) const;
+    QList<data::ModuleRecord> modulesIn(const QString& path) const;
     QList<data::ModuleRecord> offered(const QList<data::ModuleRecord>& given) const;
     void take(const QList<data::ModuleRecord>& modules);
     platform::Dialogues& dialogues() const;

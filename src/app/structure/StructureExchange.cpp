@@ -43,8 +43,8 @@ void exportStructure(const QString& path, const QList<data::ModuleRecord>& modul
                      const platform::Clock& clock, platform::Dialogues& dialogues)
 {
     const QString target = QFileInfo(path).absoluteFilePath();
-    if (QFileInfo::exists(target))
-        jet::fail(3204, target);
+    if (QFileInfo::exists(target + u"-journal"_s))
+        jet::fail(3204, target + u"-journal"_s); // it would be played into the new file
     const QString unfinished = temporaryPath(target);
     QFile::remove(unfinished);
     try {

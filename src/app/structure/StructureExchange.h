@@ -8,8 +8,8 @@
 
 namespace app {
 
-/// Writes the modules to a new project file without records: 3204 when it exists. There whole or not at all. Throws
-/// jet::Error.
+/// Writes the modules to a new project file without records, in the place of one that stands there. It is there whole or
+/// not at all. Throws jet::Error.
 void exportStructure(const QString& path, const QList<data::ModuleRecord>& modules, const QString& version,
                      const platform::Clock& clock, platform::Dialogues& dialogues);
 

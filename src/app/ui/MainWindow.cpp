@@ -10,6 +10,7 @@
 #include "app/ui/ManualWindow.h"
 #include "app/ui/QueryDesk.h"
 #include "app/ui/ReferenceDesk.h"
+#include "app/ui/StructureDesk.h"
 #include "app/ui/TreeObjects.h"
 
 #include <QApplication>
@@ -135,6 +136,7 @@ void MainWindow::makeDesks()
     m_desks.push_back(std::make_unique<QueryDesk>(*m_place));
     m_desks.push_back(std::make_unique<ReferenceDesk>(*m_place));
     m_desks.push_back(std::make_unique<AccessDesk>(*m_place, *m_commands));
+    m_desks.push_back(std::make_unique<StructureDesk>(*m_place, *m_commands));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());
 }

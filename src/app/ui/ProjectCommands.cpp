@@ -94,6 +94,14 @@ void ProjectCommands::optimise()
             [this](platform::Progression& progression) { return m_session.optimiseConfirmed(progression); });
 }
 
+bool ProjectCommands::restructure(const QString& text, std::function<bool(platform::Progression&)> work)
+{
+    if (!m_session.isOpen() || !mayChange())
+        return false;
+    run(text, std::move(work), true);
+    return true;
+}
+
 void ProjectCommands::run(const QString& text, std::function<bool(platform::Progression&)> work, bool cancellable,
                           std::function<void()> succeeded)
 {

@@ -32,6 +32,9 @@ public:
     /// Asks, converts an old Access file into a new project beside it, and opens that.
     void importPath(const QString& path);
     void optimise();
+    /// Runs work that changes the structure of the open project; whatever holds on to it lets go before. False when the
+    /// user stays with something unsaved.
+    bool restructure(const QString& text, std::function<bool(platform::Progression&)> work);
 
     /// "Fichiers Herbora", as file questions want it.
     static QString fileFilter();
