@@ -116,6 +116,8 @@ QString helpText()
            "      [--carte NOM]                 avec l'image de cette carte\n"
            "  importer access FICHIER SORTIE    fait un projet d'une ancienne base Access\n"
            "  importer taxons LISTE FICHIER     ajoute au projet les noms d'une liste (texte à tabulations)\n"
+           "  importer structure STRUCTURE FICHIER  reprend les modules d'un projet ou d'un fichier de structure\n"
+           "  exporter structure FICHIER SORTIE écrit les modules du projet dans un nouveau fichier, sans enregistrements\n"
            "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
            "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
            "  demo FICHIER                      crée le projet de démonstration\n"

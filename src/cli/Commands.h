@@ -15,5 +15,7 @@ int runRequest(const Arguments& arguments);
 int runImport(const Arguments& arguments); ///< By its first word:
 int runImportAccess(const Arguments& arguments);
 int runImportTaxons(const Arguments& arguments);
+int runImportStructure(const Arguments& arguments);
+int runExport(const Arguments& arguments);
 
 } // namespace cli

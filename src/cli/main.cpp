@@ -15,6 +15,7 @@ int run(const cli::Arguments& arguments)
         {u"sql"_s, cli::runSql},            {u"optimiser"_s, cli::runOptimise},
         {u"verifier"_s, cli::runVerify},    {u"demo"_s, cli::runDemo},
         {u"requete"_s, cli::runRequest},      {u"importer"_s, cli::runImport},
+        {u"exporter"_s, cli::runExport},
     };
     if (arguments.has(u"--version"_s)) {
         cli::printLine(u"herbora-cli " HERBORA_VERSION ""_s);

@@ -1,8 +1,12 @@
 #include "Operation.h"
 
 #include "AccessOperations.h"
+#include "MapOperations.h"
 #include "Project.h"
 #include "app/ProjectFiles.h"
+#include "app/structure/StructureEditing.h"
+#include "app/structure/StructureSaving.h"
+#include "data/FieldType.h"
 #include "app/References.h"
 #include "data/FieldType.h"
 #include "data/RecordRules.h"
@@ -23,6 +27,7 @@ namespace {
 
 const QString projectFile = u"projet.hbx"_s;
 const QString backupFile = u"projet.hbx.bak"_s;
+const QString structureBackup = u"projet.structure.hbx.bak"_s;
 const QString textFile = u"texte.txt"_s;
 const QString settingsFile = u"Herbora.ini"_s;
 
@@ -229,6 +234,54 @@ bool renameDescriptor(const QString& folder)
     return renamed;
 }
 
+// --- The structure ------------------------------------------------------------------------
+
+/// Records whose fields are renamed, converted and deleted.
+void prepareModules(const QString& folder)
+{
+    prepareFamilies(folder);
+    withProject(folder, [](jet::Database& database) {
+        database.Execute(u"UPDATE Images SET [Légende] = CStr([ID Images])"_s);
+        database.Execute(u"INSERT INTO Propriétés ([Objet],[Module],[Nom],[Value]) VALUES "
+                         "(\"Requête\",\"Images\",\"q\",\"colonne\tLégende\tImages.Légende\")"_s);
+    });
+}
+
+/// A module renamed, a field converted, one deleted, one made unique, a new module: one operation, with a copy before it.
+bool restructure(const QString& folder)
+{
+    Workplace place(folder);
+    if (!place.open()) {
+        return false;
+    }
+    app::StructureEditing editing(place.session());
+    const auto field = [&](const QString& caption) {
+        const app::DraftField* one = editing.draft().moduleNamed(u"Images")->fieldNamed(caption);
+        return one ? one->id : 0;
+    };
+    editing.setType(field(u"Légende"_s), data::Entier);
+    editing.setFieldFlag(field(u"Fichier"_s), data::Unique, true);
+    editing.deleteField(field(u"Auteur"_s));
+    editing.renameModule(editing.draft().moduleNamed(u"Images")->id, u"Photos"_s);
+    editing.draft().edit(u"module"_s, [&](app::DraftModules& modules) {
+        app::DraftModule module;
+        module.id = editing.draft().nextId();
+        module.record.name = u"Sols"_s;
+        module.record.index = 9;
+        modules.append(module);
+    });
+    platform::NoProgression quiet;
+    const bool saved = app::saveStructure(place.session(), editing.plan(), true, quiet);
+    place.session().close();
+    return saved;
+}
+
+QString structureState(const QString& folder)
+{
+    fingerprint(folder + u'/' + structureBackup);
+    return projectState(folder);
+}
+
 // --- Optimising ---------------------------------------------------------------------------
 
 /// A project with something to repair and something to leave out.
@@ -379,6 +432,13 @@ const std::vector<Operation>& operations()
          {}},
         {u"fiche"_s, prepareForms, saveForms, reopen, projectState, {projectFile}, {}},
         {u"descripteur"_s, prepareForms, renameDescriptor, reopen, projectState, {projectFile}, {}},
+        {u"structure"_s,
+         prepareModules,
+         restructure,
+         reopen,
+         structureState,
+         {projectFile, structureBackup},
+         {}},
         {u"optimiser"_s,
          prepareUntidy,
          optimise,
@@ -412,6 +472,9 @@ const std::vector<Operation>& operations()
     };
     static const std::vector<Operation> all = [] {
         std::vector<Operation> rows = table;
+        for (const Operation& row : mapOperations()) {
+            rows.push_back(row);
+        }
         for (const Operation& row : accessOperations()) {
             rows.push_back(row);
         }
