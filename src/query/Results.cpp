@@ -96,7 +96,10 @@ bool Results::open(const QString& statement)
             m_marked.push_back(false);
         }
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << error.description();
+        if (error.number() == stoppedByUser)
+            qCInfo(log).noquote() << error.description();
+        else
+            qCWarning(log).noquote() << error.description();
         clear();
         m_error = error;
     }

@@ -149,7 +149,7 @@ void QueryDesk::install(QMenuBar& bar, TreeCommands& tree)
 void QueryDesk::installMenu(QMenu& menu)
 {
     const auto command = [&](const QString& name, const QString& icon, const QString& text, const QString& tip) {
-        auto* action = new QAction(themeIcon(icon), text, this);
+        auto* action = new QAction(themeIcon(icon), text, &menu);
         action->setObjectName(name);
         action->setStatusTip(tip);
         menu.addAction(action);

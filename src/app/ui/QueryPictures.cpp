@@ -52,8 +52,8 @@ void QueryDesk::photograph(Photographer& photographer)
     tab->pane().data().selectAll();
     tab->actions()[u"replace"_s]->trigger();
     auto* window = tab->findChild<query::ReplaceDialog*>();
-    const int row = window->model().add(pathOf(tab->query().structure(), {}, {u"Altitude"_s}));
-    window->model().setValue(row, u"10~+"_s, false);
+    const int row = window->model().add(pathOf(tab->query().structure(), {}, {u"Numéro"_s}));
+    window->model().setValue(row, u"RB &~"_s, false);
     photographer.settle([window] { return window->isReady(); });
     photographer.take(u"remplacement"_s, *window);
     window->reject();
