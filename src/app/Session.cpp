@@ -23,7 +23,8 @@ const QList<data::ModuleRecord>& noModules()
 }
 
 /// Writes the tables and modules of a new project into the file.
-void fillNewProject(jet::Database& database, const Surroundings& surroundings)
+void fillNewProject(jet::Database& database, const Surroundings& surroundings,
+                    const QList<data::ModuleRecord>& modules)
 {
     jet::Operation operation(database, u"Création du projet"_s);
     data::ensureDictionary(database);
@@ -35,8 +36,15 @@ void fillNewProject(jet::Database& database, const Surroundings& surroundings)
     dictionary.put(data::coreIndividus());
     dictionary.put(data::coreDéterminations());
     dictionary.put(data::coreImages());
+    int index = data::coreImages().index;
+    for (data::ModuleRecord module : modules) {
+        module.index = ++index;
+        dictionary.put(module);
+    }
     dictionary.save();
     dictionary.load();
+    data::PropertyStore properties(database, surroundings.clock);
+    reference::writeDefaultLinks(properties);
     database.SetProperty(u"HerboraVersion"_s, surroundings.version);
     operation.commit();
 }
@@ -73,18 +81,32 @@ bool Session::readOnly() const
     return isOpen() && m_database->readOnly();
 }
 
-bool Session::create(const QString& path, platform::Progression& progression)
+namespace {
+
+/// A project may give way to a new one, under the name of its backup; nothing else is pushed aside.
+void keepAside(const QString& target)
+{
+    jet::Database::Open(target)->Close(); // refused when it is no project, or somebody has it open
+    moveIntoPlace(target, backupPath(target));
+}
+
+} // namespace
+
+bool Session::create(const QString& path, platform::Progression& progression,
+                     const QList<data::ModuleRecord>& modules, bool replace)
 {
     const QString target = QFileInfo(path).absoluteFilePath();
     const QString unfinished = temporaryPath(target);
     try {
-        if (QFileInfo::exists(target))
+        if (QFileInfo::exists(target) && !replace)
             jet::fail(3204, target);
         removeStrayFiles(target);
         // Built under another name: a project is there whole or not at all.
         auto database = jet::Database::Create(unfinished, data::localeGeneral);
-        fillNewProject(*database, m_surroundings);
+        fillNewProject(*database, m_surroundings, modules);
         database->Close();
+        if (QFileInfo::exists(target))
+            keepAside(target);
         moveIntoPlace(unfinished, target);
     } catch (const jet::Error& error) {
         removeStrayFiles(target);

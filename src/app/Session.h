@@ -44,8 +44,10 @@ public:
     QString projectName() const; ///< File name with its extension.
     bool readOnly() const;
 
-    /// Creates the file with the core tables and modules, then opens it.
-    bool create(const QString& path, platform::Progression& progression);
+    /// Creates the file with the core tables and modules and those given (readyStructures), then opens it. With
+    /// `replace` a project that stands there is kept under its name with ".bak"; anything else there is never replaced.
+    bool create(const QString& path, platform::Progression& progression, const QList<data::ModuleRecord>& modules = {},
+                bool replace = false);
     /// The opening sequence in twelve steps. A failure leaves no project open.
     bool open(const QString& path, platform::Progression& progression);
     void close();

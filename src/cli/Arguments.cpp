@@ -19,7 +19,7 @@ QStringList flags(const QString& command)
 
 QStringList valued(const QString& command)
 {
-    QStringList names{u"--individus"_s, u"--taxons"_s, u"--mot-de-passe"_s};
+    QStringList names{u"--individus"_s, u"--structure"_s, u"--taxons"_s, u"--mot-de-passe"_s};
     if (command == queryCommand)
         names << u"--module"_s << u"--csv"_s << u"--carte"_s << mapFileOptions();
     return names;
@@ -104,6 +104,7 @@ QString helpText()
            "\n"
            "Commandes\n"
            "  creer FICHIER                     crée un projet et l'ouvre une fois\n"
+           "      [--structure NOM]             avec les modules d'une structure prête à l'emploi\n"
            "  infos FICHIER [--json]            étapes de l'ouverture, puis l'arbre des modules\n"
            "  sql FICHIER \"INSTRUCTION\" …       exécute une ou plusieurs instructions\n"
            "      [--csv | --json]              forme des lignes obtenues\n"

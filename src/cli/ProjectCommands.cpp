@@ -2,6 +2,7 @@
 
 #include "app/Demo.h"
 #include "app/ModuleTree.h"
+#include "app/ReadyStructures.h"
 #include "cli/Bench.h"
 #include "data/Verification.h"
 
@@ -39,13 +40,29 @@ QJsonObject jsonInfos(const Bench& bench, const QString& title, const app::TreeN
     return {{u"titre"_s, title}, {u"etapes"_s, steps}, {u"arbre"_s, QJsonArray{jsonOf(tree)}}};
 }
 
+/// The modules of a ready-made structure; none for an empty name.
+QList<data::ModuleRecord> structureNamed(const QString& name, const app::Session& session)
+{
+    if (name.isEmpty())
+        return {};
+    QStringList names;
+    const auto ready = app::readyStructures(session.surroundings().applicationFolder + u"/structures"_s);
+    for (const app::ReadyStructure& structure : ready) {
+        if (structure.name.compare(name, Qt::CaseInsensitive) == 0)
+            return structure.modules;
+        names << structure.name;
+    }
+    throw UsageError{u"structure inconnue : %1 (il y a : %2)"_s.arg(name, names.join(u", "_s))};
+}
+
 } // namespace
 
 int runCreate(const Arguments& arguments)
 {
     const QString file = arguments.file();
     Bench bench(arguments, false);
-    if (!bench.session.create(file, bench.progression))
+    const QList<data::ModuleRecord> modules = structureNamed(arguments.options.value(u"--structure"_s), bench.session);
+    if (!bench.session.create(file, bench.progression, modules))
         return Failure;
     printLine(u"Projet créé : "_s + bench.session.path());
     return Success;

@@ -1,6 +1,7 @@
 #include "app/ui/ProjectCommands.h"
 
 #include "app/AccessImport.h"
+#include "app/ReadyStructures.h"
 #include "app/Session.h"
 
 #include <QFileInfo>
@@ -75,15 +76,36 @@ void ProjectCommands::importPath(const QString& path)
         true, [this] { Q_EMIT imported(); });
 }
 
+std::optional<QList<data::ModuleRecord>> ProjectCommands::chosenStructure()
+{
+    const QList<ReadyStructure> ready =
+        readyStructures(m_session.surroundings().applicationFolder + u"/structures"_s);
+    if (ready.isEmpty())
+        return QList<data::ModuleRecord>();
+    QStringList items{u"Projet vierge - individus, déterminations et images"_s};
+    for (const ReadyStructure& structure : ready)
+        items << structure.name + u" - "_s + structure.description;
+    const auto chosen = m_dialogues.choose(
+        {u"Nouveau projet"_s, u"Choisissez une structure de départ. Elle pourra être changée à tout moment."_s,
+         u"Structure"_s, items, false});
+    if (!chosen || chosen->isEmpty())
+        return {};
+    return chosen->first() == 0 ? QList<data::ModuleRecord>() : ready.at(chosen->first() - 1).modules;
+}
+
 void ProjectCommands::create()
 {
+    const auto modules = chosenStructure();
+    if (!modules)
+        return;
     QString path = m_dialogues.saveFile(u"Nouveau projet"_s, fileFilter(), u"Nouveau projet.hbx"_s);
     if (path.isEmpty() || !mayChange())
         return;
     if (!path.endsWith(u".hbx"_s, Qt::CaseInsensitive))
         path += u".hbx"_s;
-    run(u"Création"_s, [this, path](platform::Progression& progression) {
-        return m_session.create(path, progression);
+    // Whoever named a file that is there agreed to replace it.
+    run(u"Création"_s, [this, path, modules = *modules](platform::Progression& progression) {
+        return m_session.create(path, progression, modules, true);
     });
 }
 

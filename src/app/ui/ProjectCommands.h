@@ -6,7 +6,11 @@
 
 #include <QObject>
 #include <functional>
+#include <optional>
 
+namespace data {
+struct ModuleRecord;
+}
 namespace platform {
 class Dialogues;
 }
@@ -49,6 +53,8 @@ Q_SIGNALS:
     void imported();
 
 private:
+    /// The modules that a new project starts with; nothing when the user gave up.
+    std::optional<QList<data::ModuleRecord>> chosenStructure();
     bool mayChange() const { return !m_busy && (!m_mayChange || m_mayChange()); }
     /// `cancellable`: the work looks at Progression::cancelled.
     void run(const QString& text, std::function<bool(platform::Progression&)> work, bool cancellable = false,
