@@ -90,10 +90,22 @@ void FormPane::show(const QList<FormSection>& sections, FormLayout layout)
     for (const FormSection& section : sections)
         addSection(*column, section, layout);
     column->addStretch(1);
+    if (layout != FormLayout::Above)
+        alignCaptions();
     setWidget(content);
     for (qsizetype i = 1; i < m_rows.size(); ++i)
         setTabOrder(m_rows[i - 1].control, m_rows[i].control);
     refreshErrors();
+}
+
+/// The fields of all forms begin at the same place.
+void FormPane::alignCaptions()
+{
+    int widest = 0;
+    for (const Row& row : std::as_const(m_rows))
+        widest = std::max(widest, row.caption->sizeHint().width());
+    for (const Row& row : std::as_const(m_rows))
+        row.caption->setMinimumWidth(std::min(widest, widestCaption));
 }
 
 void FormPane::addSection(QVBoxLayout& column, const FormSection& section, FormLayout layout)

@@ -68,6 +68,7 @@ private:
     void addRow(QGridLayout& grid, const FormRow& row, FormLayout layout);
     void addText(QGridLayout& grid, const FormRow& row, FormLayout layout);
     void place(QGridLayout& grid, QLabel* caption, QWidget* field, QLabel* error, FormLayout layout);
+    void alignCaptions();
     int controlCount() const override { return int(m_rows.size()); }
     bool hasControl(const QString& name) const override;
     void addControl(const QString& className, const QString& name, Cl_Edition& parent) override;

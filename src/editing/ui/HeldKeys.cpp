@@ -33,8 +33,11 @@ bool HeldKeys::concerns(const QObject* watched) const
     if (!watched->isWidgetType() || QApplication::activeModalWidget())
         return false;
     const auto* widget = static_cast<const QWidget*>(watched);
-    while (widget && widget != &m_window)
-        widget = widget->parentWidget();
+    while (widget && widget != &m_window) {
+        // A list of names hangs below the line that it completes, without being its child.
+        const bool hangs = widget->isWindow() && !widget->parentWidget();
+        widget = hangs ? widget->focusProxy() : widget->parentWidget();
+    }
     return widget;
 }
 

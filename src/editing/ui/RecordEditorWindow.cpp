@@ -103,7 +103,11 @@ void RecordEditorWindow::fillWorld()
     };
     world.takeFiles = [this](Cl_Edition& field, const QStringList& files) { takeFiles(field, files); };
     world.described = [this](const QString& module, qint32 id) { return m_editing.describe(module, id); };
-    world.listChanged = [this] { m_editing.Query_Refresh(); };
+    world.listChanged = [this] {
+        if (m_editing.written)
+            m_editing.written({}); // records of other individuals too
+        m_editing.Query_Refresh();
+    };
     m_pane->describe = [this](Cl_Edition& field) {
         const EditedRecord* record = recordOf(field);
         return record ? m_editing.row(*record, field) : FormRow{&field, field.Caption(), {}, true, {}};

@@ -29,7 +29,7 @@ protected:
         edit.reset();
         EditorTest::TearDown();
     }
-    void open()
+    void open(const std::function<void(editing::EditorSurroundings&)>& prepare = {})
     {
         window.reset();
         edit = std::make_unique<IndividualEditing>(tools());
@@ -41,6 +41,8 @@ protected:
         around.draftFile = project.path(u"projet.hbx.saisie"_s);
         around.remembered = [this](const QString& key) { return memory.value(key); };
         around.remember = [this](const QString& key, const QVariant& value) { memory.insert(key, value); };
+        if (prepare)
+            prepare(around);
         window = std::make_unique<RecordEditorWindow>(*edit, around);
     }
     void show(const QString& path)
@@ -237,6 +239,41 @@ TEST_F(RecordEditorTest, TypingIsFoundAgainAfterACrash)
     EXPECT_FALSE(QFileInfo::exists(project.path(u"projet.hbx.saisie"_s)));
     open();
     EXPECT_FALSE(window->offerDraft());
+}
+
+/// Remembers what it was shown.
+class Pictures : public editing::PicturePane {
+public:
+    using PicturePane::PicturePane;
+    void showRecord(const editing::PicturedRecord& record) override { shown << record; }
+    QList<editing::PicturedRecord> shown;
+};
+
+TEST_F(RecordEditorTest, PicturesAreShownInTheirTabAndTellDateAndPlace)
+{
+    Pictures* pictures = nullptr;
+    open([&](editing::EditorSurroundings& around) {
+        around.makePictures = [&](QWidget* owner) { return pictures = new Pictures(owner); };
+    });
+    show(u"1-Essais"_s);
+    auto* tabs = window->findChild<QTabWidget*>(u"onglets"_s);
+    EXPECT_FALSE(tabs->isTabEnabled(tabs->indexOf(pictures))); // no picture yet
+    edit->type(*edit->current(), *edit->form(*edit->current()).Item(u"Image"_s), u"a.jpg"_s);
+    EXPECT_TRUE(tabs->isTabEnabled(tabs->indexOf(pictures)));
+    EXPECT_TRUE(pictures->shown.isEmpty()); // nothing is read before the tab is seen
+    tabs->setCurrentWidget(pictures);
+    ASSERT_EQ(pictures->shown.size(), 1);
+    EXPECT_EQ(pictures->shown.last().id, 1);
+    ASSERT_EQ(pictures->shown.last().pictures.size(), 1);
+    EXPECT_EQ(pictures->shown.last().pictures.first().file, u"a.jpg"_s);
+    const editing::PictureFacts facts{u"2001/03/06"_s, -53.2, 3.6};
+    EXPECT_EQ(pictures->fitting(facts), (QStringList{u"Date"_s, u"Longitude"_s, u"Latitude"_s}));
+    EXPECT_EQ(pictures->fitting({{}, -53.2, {}}), QStringList());
+    EXPECT_EQ(pictures->offer(facts), (QStringList{u"Date"_s, u"Longitude"_s, u"Latitude"_s}));
+    EXPECT_EQ(edit->form(*edit->current()).Item(u"Latitude"_s)->value(), 3.6);
+    EXPECT_EQ(pictures->shown.size(), 1);
+    edit->select(u"1-Individus"_s); // which has none
+    EXPECT_TRUE(pictures->shown.last().pictures.isEmpty());
 }
 
 TEST_F(RecordEditorTest, EveryCommandAndFieldHasANameForAssistiveTools)
