@@ -13,7 +13,12 @@
 #include <QRandomGenerator>
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// The compiler brings these functions of its sanitizer without their header.
+extern "C" {
+int __sanitizer_install_malloc_and_free_hooks(void (*taken)(const volatile void*, size_t),
+                                              void (*given)(const volatile void*));
+size_t __sanitizer_get_allocated_size(const volatile void* block);
+}
 #endif
 
 namespace {
@@ -37,7 +42,7 @@ struct Heap {
     static void given(const volatile void* block)
     {
         if (block)
-            now -= qint64(__sanitizer_get_allocated_size(const_cast<const void*>(block)));
+            now -= qint64(__sanitizer_get_allocated_size(block));
     }
     static bool watch()
     {
