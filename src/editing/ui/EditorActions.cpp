@@ -31,7 +31,7 @@ QAction* EditorActions::make(const QString& key, const QString& icon, const QStr
 void EditorActions::makeAll()
 {
     const auto key = [](const QString& text) { return QList<QKeySequence>{QKeySequence(text)}; };
-    add = make(u"add"_s, u"list-add"_s, u"&Ajouter…"_s);
+    add = make(u"add"_s, u"list-add"_s, u"&Ajouter sous le nœud choisi"_s, key(u"Ctrl+Ins"_s));
     addSame = make(u"addSame"_s, u"document-new"_s, u"Ajouter un enregistrement du même &Module"_s, key(u"Ctrl+N"_s));
     addCopy = make(u"addCopy"_s, u"edit-copy"_s, u"Ajouter avec les mêmes &valeurs"_s, key(u"Ctrl+Shift+N"_s));
     remove = make(u"delete"_s, u"edit-delete"_s, u"&Supprimer l'enregistrement"_s, key(u"Ctrl+Del"_s));
@@ -100,7 +100,7 @@ void EditorActions::fillMenus(QMainWindow& window)
     QAction* refreshes = under(refreshMenu, u"refresh"_s, u"view-refresh"_s, u"&Recharger"_s, {field, record, indiv});
     QAction* wizards = under(wizardMenu, u"wizard"_s, u"tools-wizard"_s, u"Assis&tant de saisie"_s, {wztabs, wznull, wzvalid});
     menu(u"menuEnregistrement"_s, u"&Enregistrement"_s,
-         {adds, addSame, addCopy, nullptr, save, refreshes, nullptr, lock, move, remove, nullptr, close});
+         {add, adds, addSame, addCopy, nullptr, save, refreshes, nullptr, lock, move, remove, nullptr, close});
     menu(u"menuChamp"_s, u"&Champ"_s, {previousValue, openList, nullptr, wizards});
     menu(u"menuAller"_s, u"&Aller à"_s,
          {prev, suiv, list, nullptr, oprev, osuiv, parent, nullptr, otherPane});
@@ -124,6 +124,7 @@ void EditorActions::fillBar(QMainWindow& window)
         button->setAccessibleName(menu->title().remove(u'&'));
         button->setPopupMode(QToolButton::InstantPopup);
         bar->addWidget(button);
+        return button;
     };
     bar->addAction(prev);
     bar->addAction(suiv);
@@ -132,11 +133,15 @@ void EditorActions::fillBar(QMainWindow& window)
     bar->addAction(save);
     drop(refreshMenu, u"boutonRecharger"_s);
     bar->addSeparator();
-    drop(addMenu, u"boutonAjouter"_s);
+    QToolButton* adding = drop(addMenu, u"boutonAjouter"_s);
+    adding->setDefaultAction(add);
+    adding->setPopupMode(QToolButton::MenuButtonPopup);
     bar->addAction(addSame);
     bar->addAction(remove);
     bar->addAction(lock);
     bar->addAction(parent);
+    bar->addAction(oprev);
+    bar->addAction(osuiv);
     bar->addSeparator();
     drop(wizardMenu, u"boutonAssistant"_s);
     bar->addAction(modelLoad);
@@ -145,7 +150,7 @@ void EditorActions::fillBar(QMainWindow& window)
     bar->addAction(modeVertical);
     bar->addAction(modeCondensed);
     // Reached by their keys too, though nothing shows them in the bar.
-    window.addActions({oprev, osuiv, addCopy, previousValue, otherPane, close});
+    window.addActions({addCopy, previousValue, otherPane, close});
 }
 
 } // namespace editing

@@ -19,6 +19,8 @@ const QString modeKey = u"fiche/mode"_s;
 /// Further records of a long branch are left to the tree.
 constexpr qsizetype mostSections = 20;
 constexpr int messageMilliseconds = 5000;
+/// What is over sooner is not worth a word.
+constexpr int patienceMilliseconds = 400;
 
 } // namespace
 
@@ -31,6 +33,12 @@ RecordEditorWindow::RecordEditorWindow(IndividualEditing& editing, EditorSurroun
       m_held(new HeldKeys(*this))
 {
     setObjectName(u"recordEditor"_s);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patienceMilliseconds);
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_waiting = true;
+        statusBar()->showMessage(u"Une autre tâche emploie le projet : ce que vous tapez est gardé et viendra ensuite"_s);
+    });
     arrange();
     fillWorld();
     connectEditing();
@@ -170,6 +178,7 @@ void RecordEditorWindow::connectActions()
         m_draft->touch();
         updateState();
     });
+    on(a.add, [this] { addAtNode(); });
     on(a.addSame, [this] {
         finishTyping();
         m_editing.addAnother(false);
@@ -238,7 +247,7 @@ void RecordEditorWindow::connectMore()
         on(mode, [this, mode] { setMode(mode); });
     connect(a.addMenu, &QMenu::aboutToShow, this, &RecordEditorWindow::fillAddMenu);
     connect(a.refreshMenu, &QMenu::aboutToShow, this, &RecordEditorWindow::fillRefreshMenu);
-    m_tree->addActions({a.addMenu->menuAction(), a.addSame, a.parent, a.move, a.lock, a.remove});
+    m_tree->addActions({a.add, a.addMenu->menuAction(), a.addSame, a.parent, a.move, a.lock, a.remove});
 }
 
 // --- What is shown -------------------------------------------------------------------------------
@@ -353,6 +362,7 @@ void RecordEditorWindow::updateState()
     const bool toSave = m_editing.ToSave();
     a.save->setEnabled(toSave);
     a.addMenu->setEnabled(open);
+    a.add->setEnabled(open);
     a.addSame->setEnabled(open && m_editing.canAdd(current->module));
     a.addCopy->setEnabled(a.addSame->isEnabled());
     a.remove->setEnabled(open);
@@ -409,6 +419,19 @@ void RecordEditorWindow::takeFiles(Cl_Edition& field, const QStringList& files)
 {
     if (EditedRecord* record = recordOf(field))
         m_editing.addFiles(*record, field.champ(), files);
+}
+
+/// Of the module of the node chosen: under the record that a group stands under, beside a record.
+void RecordEditorWindow::addAtNode()
+{
+    finishTyping();
+    const QModelIndex index = m_tree->currentIndex();
+    const EditNode* node = index.isValid() ? m_model->nodeAt(index) : nullptr;
+    const bool inGroup = node && (node->kind == EditNode::Kind::Group || node->kind == EditNode::Kind::New);
+    if (inGroup)
+        m_editing.add(node->module, node->record);
+    else
+        m_editing.addAnother(false);
 }
 
 void RecordEditorWindow::fillAddMenu()
@@ -497,6 +520,12 @@ void RecordEditorWindow::setAway(bool away)
 {
     m_editing.setAway(away);
     m_held->hold(away);
+    if (away)
+        m_patience.start();
+    else if (std::exchange(m_waiting, false))
+        statusBar()->clearMessage();
+    if (!away)
+        m_patience.stop();
     if (!away)
         m_tree->viewport()->update(); // with the texts that could not be read
 }

@@ -77,6 +77,7 @@ private:
     void takeFiles(Cl_Edition& field, const QStringList& files);
     void updateState();
     void showObject();
+    void addAtNode();
     void fillAddMenu();
     void fillRefreshMenu();
     void chooseParent();
@@ -108,6 +109,8 @@ private:
     PicturedRecord m_seen;             ///< What it shows.
     const EditedRecord* m_current = nullptr; ///< The one shown last, to be compared only.
     QStringList m_shown; ///< Keys of the records whose forms are shown.
+    QTimer m_patience;
+    bool m_waiting = false; ///< It is said that another task has the project.
     bool m_typing = false;
     bool m_fromTree = false; ///< The user walks the tree: the focus stays there.
 };

@@ -184,6 +184,33 @@ TEST_F(RecordEditorTest, TheTreeIsWalkedAndAddsByTheKeyboard)
     EXPECT_EQ(project.single(u"SELECT [ID Déterminations] FROM Individus WHERE [ID Individus]=1"_s), 3);
 }
 
+TEST_F(RecordEditorTest, AddsOfTheModuleOfTheNodeAndCopiesValues)
+{
+    show(u"1-Individus;1"_s);
+    key(Qt::Key_F6);
+    while (window->tree().currentIndex() != indexOf(u"Essais@1-Individus"_s))
+        key(Qt::Key_Down);
+    key(Qt::Key_Insert, Qt::ControlModifier);
+    EXPECT_EQ(edit->current()->key, u"HBTEMP1-Essais"_s);
+    EXPECT_EQ(edit->current()->parent, u"1-Individus"_s);
+    EXPECT_EQ(focused(), u"editeur-Titre"_s);
+    type(u"second"_s);
+    key(Qt::Key_Return);
+    type(u"W53"_s);
+    key(Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(edit->current()->key, u"HBTEMP2-Essais"_s);
+    EXPECT_EQ(window->findChild<QLineEdit*>(u"editeur-Titre"_s)->text(), u"second"_s);
+    key(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_EQ(edit->current()->key, u"HBTEMP3-Essais"_s);
+    key(Qt::Key_F7);
+    EXPECT_EQ(window->findChild<QLineEdit*>(u"editeur-Titre"_s)->text(), u"second"_s);
+    key(Qt::Key_Return);
+    key(Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(focused(), u"editeur-Titre"_s);
+    expectSave(u" aux propriétés modifiées"_s, Answer::No, BoxButtons::YesNoCancel);
+    EXPECT_TRUE(window->close());
+}
+
 TEST_F(RecordEditorTest, ARecordIsDroppedOntoItsNewParent)
 {
     show(u"1-Individus;1"_s);
