@@ -57,6 +57,7 @@ bool exportCsv(Dialogues& dialogues, QString file, const QStringList& header, co
         file = dialogues.saveFile(title, u"Texte CSV (point-virgule, *.csv)|*.csv"_s);
     if (file.isEmpty())
         return false;
+    removeUnfinished(file); // of an export that never came to its end
     FileReplacement out(file);
     QString error = out.open();
     if (error.isEmpty())

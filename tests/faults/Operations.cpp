@@ -3,6 +3,7 @@
 #include "AccessOperations.h"
 #include "MapOperations.h"
 #include "Project.h"
+#include "QueryOperations.h"
 #include "app/ProjectFiles.h"
 #include "app/structure/StructureEditing.h"
 #include "app/structure/StructureSaving.h"
@@ -439,6 +440,8 @@ const std::vector<Operation>& operations()
          structureState,
          {projectFile, structureBackup},
          {}},
+        {u"remplacer"_s, prepareQueries, replaceValues, reopen, projectState, {projectFile, exportFile}, {exportFile}},
+        {u"exporter"_s, prepareQueries, exportResult, exportAgain, exportState, {projectFile, exportFile}, {projectFile}},
         {u"optimiser"_s,
          prepareUntidy,
          optimise,
