@@ -10,10 +10,13 @@ namespace {
 
 /// The command to which options belong: "--csv" of one is a flag, of another it takes a file.
 const QString queryCommand = u"requete"_s;
+const QString importCommand = u"importer"_s;
 
 QStringList flags(const QString& command)
 {
     QStringList names{u"--json"_s, u"--oui"_s, u"--non"_s, u"--help"_s, u"--version"_s};
+    if (command == importCommand)
+        names << u"--essai"_s << u"--creer-noms"_s << u"--mettre-a-jour"_s << u"--vider"_s;
     return names << (command == queryCommand ? u"--sql"_s : u"--csv"_s);
 }
 
@@ -22,6 +25,8 @@ QStringList valued(const QString& command)
     QStringList names{u"--individus"_s, u"--structure"_s, u"--taxons"_s, u"--mot-de-passe"_s};
     if (command == queryCommand)
         names << u"--module"_s << u"--csv"_s << u"--carte"_s << mapFileOptions();
+    if (command == importCommand)
+        names << u"--module"_s << u"--separateur"_s << u"--encodage"_s << u"--decimale"_s << u"--colonnes"_s;
     return names;
 }
 
@@ -119,6 +124,17 @@ QString helpText()
            "  importer taxons LISTE FICHIER     ajoute au projet les noms d'une liste (texte à tabulations)\n"
            "  importer structure STRUCTURE FICHIER  reprend les modules d'un projet ou d'un fichier de structure\n"
            "  exporter structure FICHIER SORTIE écrit les modules du projet dans un nouveau fichier, sans enregistrements\n"
+           "  importer csv FICHIER TABLEAU      ajoute les lignes d'un tableau (CSV) au projet\n"
+           "      --module MODULE               à un module, ou à Taxons, Localités, Collecteurs\n"
+           "      [--essai]                     dit ce qui serait fait, sans rien écrire\n"
+           "      [--creer-noms]                crée les taxons, localités et collecteurs inconnus\n"
+           "      [--colonnes \"TITRE=CHAMP;…\"]  colonnes dont le titre n'est pas celui du champ\n"
+           "      [--mettre-a-jour]             modifie les enregistrements dont l'identifiant est donné\n"
+           "      [--vider]                     une cellule vide y vide le champ\n"
+           "      [--separateur S]              point-virgule, virgule ou tabulation (sinon reconnu)\n"
+           "      [--encodage E]                utf-8, windows-1252, utf-16le ou utf-16be\n"
+           "      [--decimale D]                virgule ou point\n"
+           "  imagettes FICHIER                 fait d'avance les imagettes de toutes les images du projet\n"
            "  optimiser FICHIER                 répare les liens et compacte, en gardant une copie\n"
            "  verifier FICHIER [--json]         intégrité du fichier et règles du projet\n"
            "  demo FICHIER                      crée le projet de démonstration\n"

@@ -12,8 +12,10 @@ int runOptimise(const Arguments& arguments);
 int runVerify(const Arguments& arguments);
 int runDemo(const Arguments& arguments);
 int runRequest(const Arguments& arguments);
+int runImagettes(const Arguments& arguments); ///< Where pictures are built in.
 int runImport(const Arguments& arguments); ///< By its first word:
 int runImportAccess(const Arguments& arguments);
+int runImportCsv(const Arguments& arguments);
 int runImportTaxons(const Arguments& arguments);
 int runImportStructure(const Arguments& arguments);
 int runExport(const Arguments& arguments);

@@ -10,6 +10,7 @@ int runImport(const Arguments& arguments)
     static const QHash<QString, int (*)(const Arguments&)> kinds{
         {u"access"_s, runImportAccess},
         {u"structure"_s, runImportStructure},
+        {u"csv"_s, runImportCsv},
         {u"taxons"_s, runImportTaxons},
     };
     const auto kind = kinds.find(arguments.words.value(0));

@@ -94,6 +94,7 @@ void Cl_Collecteur::FillTabEdit(editing::Cl_Editions& form, qint32 id)
 bool Cl_Collecteur::Save(editing::Cl_Editions& form)
 {
     const qint32 id = current();
+    m_failure = 0;
     try {
         QList<QPair<QString, QVariant>> values;
         for (const QString& column : columns()) {
@@ -112,6 +113,7 @@ bool Cl_Collecteur::Save(editing::Cl_Editions& form)
         return true;
     } catch (const jet::Error& error) {
         qCWarning(peopleLog).noquote() << "save" << error.number() << error.description();
+        m_failure = error.number();
         if (editing::Cl_Edition* name = form.Item(u"Collecteur"_s))
             name->setTextError(error.number() == duplicateError ? u"Ce nom existe déjà"_s : error.description());
         position(id);

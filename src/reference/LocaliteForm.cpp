@@ -102,6 +102,7 @@ qint32 Cl_Localité::saveRow(const editing::Cl_Editions& form, qint32 id, qint32
 bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
 {
     const qint32 id = current();
+    m_failure = 0;
     try {
         for (const auto& field : form) {
             if (!field->valid())
@@ -116,6 +117,7 @@ bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
         return true;
     } catch (const jet::Error& error) {
         qCWarning(placeFormLog).noquote() << "save" << error.number() << error.description();
+        m_failure = error.number();
         if (form.Count() > 0)
             form.Item(0)->setTextError(error.description());
         position(id);

@@ -34,6 +34,9 @@ public:
     ReferenceList(const ReferenceContext& context, const QString& table);
     ~ReferenceList() override;
 
+    /// Number of the jet::Error that the last Save met; 0 when it met none: then it is the form itself that was refused.
+    int lastFailure() const { return m_failure; }
+
 Q_SIGNALS:
     void Change(qint32 id);  ///< One row was changed.
     void Delete(qint32 id);  ///< One row was deleted.
@@ -56,6 +59,7 @@ protected:
     QString now() const { return platform::stamp(m_context.clock); }
 
     ReferenceContext m_context;
+    int m_failure = 0;
 
 private:
     QString m_table;

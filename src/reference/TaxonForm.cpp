@@ -142,6 +142,7 @@ qint32 Cl_Taxon::writeForm(const editing::Cl_Editions& form, qint32 id, int rank
 
 bool Cl_Taxon::Save(editing::Cl_Editions& form)
 {
+    m_failure = 0;
     try {
         const qint32 id = current();
         editing::Cl_Edition* name = form.Item(u"Nom Complet"_s);
@@ -166,6 +167,7 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
             RefrsNomComplet(saved);
             operation.commit();
         } catch (const jet::Error& error) {
+            m_failure = error.number();
             m_context.dialogues.tell(u"Erreur N°"_s + QString::number(error.number())
                                          + u"\r\nImpossibilité de reconstruire le nom complet du Taxon et de ses parents\r\n"
                                            "Merci de reporter ce Bug en indiquant le plus précisément le contexte"_s,
@@ -179,6 +181,7 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
         return true;
     } catch (const jet::Error& error) {
         qCWarning(formLog).noquote() << "save" << error.number() << error.description();
+        m_failure = error.number();
         return false;
     }
 }
