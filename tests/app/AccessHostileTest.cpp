@@ -27,7 +27,7 @@ using namespace Qt::StringLiterals;
 using namespace jet::access;
 
 constexpr qint64 longest = 10000;       ///< Milliseconds of one conversion.
-constexpr qint64 fixedMemory = 1 << 20; ///< What a reader takes whatever the file: caches of the library, tables of texts.
+constexpr qint64 fixedMemory = 1 << 18; ///< What a reader takes whatever the file: texts, tables of the library.
 
 /// Bytes that the process has from the allocator, and the most it had.
 struct Heap {

@@ -52,6 +52,18 @@ TEST_F(AccessWindow, ConvertsAndOpensWhatIsOpenedLikeAnyProject)
     EXPECT_EQ(openRecords(u"Mesures"_s)->statusText(), u"450 enregistrements"_s);
 }
 
+TEST_F(AccessWindow, ConvertsFromTheFileDialogAndFromTheCommandLine)
+{
+    expectQuestion(false);
+    program->openStartFile(path(u"ancien.hbx"_s));
+    settle();
+    EXPECT_EQ(window().windowTitle(), u"Herbora"_s);
+    dialogues.expectOpenFile(u"Ouvrir un projet"_s, u"Fichiers Herbora (*.hbx)|*.hbx|"_s, path(u"ancien.hbx"_s));
+    expectQuestion(true);
+    trigger(u"open"_s);
+    EXPECT_EQ(window().windowTitle(), u"ancien (converti).hbx - Herbora"_s);
+}
+
 TEST_F(AccessWindow, LeavesEverythingAsItIsWhenTheUserDeclines)
 {
     makeProject();
@@ -83,6 +95,7 @@ TEST_F(AccessWindow, TellsWhatIsNoAccessFile)
     dialogues.expectOpenFile(u"Importer une ancienne base Access"_s,
                              u"Anciennes bases Access (*.hbx *.mdb *.accdb)|*.hbx;*.mdb;*.accdb|"_s, path());
     dialogues.expectLike({u"n'a pas été convertie"_s}, caption, BoxIcon::Stop);
+    support::expectWarning(u"failed: 3343"_s);
     trigger(u"importAccess"_s);
 }
 
