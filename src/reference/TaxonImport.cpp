@@ -8,7 +8,6 @@
 
 #include <QFileInfo>
 #include <QLocale>
-#include <QLoggingCategory>
 #include <algorithm>
 #include <vector>
 
@@ -17,8 +16,6 @@ namespace reference {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(importLog, "herbora.taxons.import")
 
 constexpr int stoppedError = 3059;
 constexpr int unwritableError = 3051;
@@ -136,26 +133,30 @@ private:
     void survey()
     {
         walk(u"Lecture du fichier"_s, 0, 10, [this](const TaxonLine& line) {
-            m_ranks.push_back(quint8(line.readable ? line.rank() : 0));
-            if (!line.accepted.isEmpty() && line.accepted != line.id && !m_accepted.contains(line.accepted)) {
+            const bool synonym = !line.accepted.isEmpty() && line.accepted != line.id;
+            const int rank = line.readable ? line.rank() : 0;
+            m_kinds.push_back(quint8(rank == 0 ? 0 : kindOf(rank, synonym)));
+            if (synonym && !m_accepted.contains(line.accepted)) {
                 m_accepted.insert(line.accepted, int(m_taxa.size()));
                 m_taxa.push_back(0);
             }
-            if (m_ranks.back() == 0)
+            if (rank == 0)
                 refuse(line.readable ? u"La ligne ne nomme aucun taxon complet"_s : u"Le texte n'est pas en UTF-8"_s);
         });
         m_report.lines = m_line;
     }
 
-    /// Hands every row, taken apart, to the work; `from` and `to` are percents of the whole.
-    template<typename Work> void walk(const QString& text, int from, int to, Work&& work, int rank = 0)
+    static int kindOf(int rank, bool synonym) { return 2 * rank + (synonym ? 1 : 0); }
+
+    /// Hands every row (of a kind, where one is given), taken apart, to the work; `from` and `to` are percents of the whole.
+    template<typename Work> void walk(const QString& text, int from, int to, Work&& work, int kind = 0)
     {
         m_line = 0;
         for (m_file.rewind(); m_file.next(); ++m_line) {
             if (m_line % linesBetweenLooks == 0) {
                 tell(text, from + (to - from) * m_file.percent() / 100);
             }
-            if (rank == 0 || m_ranks[size_t(m_line)] == rank)
+            if (kind == 0 || m_kinds[size_t(m_line)] == kind)
                 work(m_file.line());
         }
     }
@@ -167,16 +168,21 @@ private:
         ++m_report.reasons[reason];
     }
 
+    /// The accepted names come first: of two genera of one name they are the one that stays.
     void readRank(int rank, const QString& text)
     {
         static const std::array<int, 5> parts{10, 12, 18, 80, 95};
-        walk(text, parts[size_t(rank) - 1], parts[size_t(rank)], [&](const TaxonLine& line) {
+        const int from = parts[size_t(rank) - 1];
+        const int to = parts[size_t(rank)];
+        const auto each = [&](const TaxonLine& line) {
             try {
                 take(line, rank);
             } catch (const Refusal& refusal) {
                 refuse(refusal.reason);
             }
-        }, rank);
+        };
+        walk(text, from, (from + to) / 2, each, kindOf(rank, false));
+        walk(text, (from + to) / 2, to, each, kindOf(rank, true));
     }
 
     void take(const TaxonLine& line, int rank)
@@ -282,7 +288,7 @@ private:
     QString m_told;
     int m_percent = -1;
     qint64 m_line = 0;
-    std::vector<quint8> m_ranks;       ///< Of every row; 0 for those that were refused at once.
+    std::vector<quint8> m_kinds;       ///< Of every row (kindOf); 0 for those that were refused at once.
     QHash<QByteArray, int> m_accepted; ///< Identifiers of the file that others name as accepted.
     std::vector<qint32> m_taxa;        ///< Their taxa; 0 as long as there is none.
     std::vector<Synonym> m_synonyms;
@@ -330,7 +336,6 @@ ImportReport TaxonImport::run(const QString& file, platform::Progression& progre
     operation.commit();
     report.refusedFile = work.writeRefused();
     progression.step(u"Importation terminée"_s, 100);
-    qCInfo(importLog) << report.lines << "lines" << report.total() << "added" << report.refused << "refused";
     return report;
 }
 

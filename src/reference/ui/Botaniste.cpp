@@ -244,9 +244,16 @@ bool Botaniste::showRow(qint32 id)
     }
     if (row < 0)
         return false;
-    m_view->setCurrentIndex(m_model->index(row, 0));
+    selectRow(row);
     m_view->scrollTo(m_model->index(row, 0));
     return true;
+}
+
+/// Not by the view, for which a Ctrl that is still held from a shortcut would toggle the row.
+void Botaniste::selectRow(int row)
+{
+    m_view->selectionModel()->setCurrentIndex(m_model->index(row, 0),
+                                              QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void Botaniste::setFilter(const CollectorFilter& filter)
@@ -269,7 +276,7 @@ void Botaniste::reload()
     // Where the row is gone its neighbour takes its place.
     const int wanted = found >= 0 ? found : std::min(row, m_model->rowCount() - 1);
     if (wanted >= 0)
-        m_view->setCurrentIndex(m_model->index(wanted, 0));
+        selectRow(wanted);
     m_reloading = false;
     noteCurrent();
     Q_EMIT selectionChanged();

@@ -92,6 +92,7 @@ protected:
 
 private:
     void reloadSoon();
+    void selectRow(int row);
     void noteCurrent();
 
     CollectorModel* m_model;

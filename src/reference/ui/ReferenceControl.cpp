@@ -114,6 +114,7 @@ void ReferenceControl::arrange()
     connect(&view(), &QWidget::customContextMenuRequested, this, &ReferenceControl::showMenu);
     view().installEventFilter(this);
     connect(this, &ReferenceControl::selectionChanged, this, &ReferenceControl::updateCommands);
+    connect(this, &ReferenceControl::rowChosen, this, &ReferenceControl::updateCommands);
     updateCommands();
 }
 

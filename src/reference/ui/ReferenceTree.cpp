@@ -124,7 +124,8 @@ bool ReferenceTree::showRow(qint32 id)
     const QModelIndex index = m_model->locate(id);
     if (!index.isValid())
         return false;
-    m_view->setCurrentIndex(index);
+    // Not by the view, for which a Ctrl that is still held from a shortcut would toggle the row.
+    m_view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     m_view->scrollTo(index);
     return true;
 }
