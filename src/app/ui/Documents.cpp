@@ -122,6 +122,7 @@ void Documents::openRecords(const QString& key, NodeKind kind)
     auto grid = std::make_unique<GridTab>(source, m_session, m_runner, m_state, m_tabs);
     connect(grid.get(), &GridTab::activated, this,
             [this, tab = grid.get()](qint32 id) { Q_EMIT rowActivated(tab, id); });
+    connect(grid.get(), &GridTab::addWanted, this, [this, key] { Q_EMIT addWanted(key); });
     add(std::move(grid));
 }
 

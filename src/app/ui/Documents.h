@@ -42,6 +42,7 @@ Q_SIGNALS:
     void failed(const QString& title, const QString& description);
     /// Double click or Return on a row of the records of a module or reference list.
     void rowActivated(app::GridTab* grid, qint32 id);
+    void addWanted(const QString& key); ///< A record, in a module that has none.
 
 private:
     void close(int tab);

@@ -132,7 +132,10 @@ GridSource moduleSource(const data::ModuleRecord& module, const QList<data::Modu
     source.key = module.name;
     source.title = module.name;
     source.icon = module.icon.isEmpty() ? module.name : u"module:"_s + module.name;
+    source.addable = module.isIndividus();
     source.emptyText = u"Le module « %1 » ne contient encore aucun enregistrement."_s.arg(module.name);
+    if (!source.addable)
+        source.emptyText += u"\nOn en ajoute depuis la fiche d'un individu."_s;
 
     const jet::TableDef* table = schema.table(module.name);
     JoinChain joins(module.name);

@@ -31,6 +31,7 @@ struct GridSource {
     int sortedBy = -1; ///< Column by which it is sorted at first; -1 for none.
     QString emptyText; ///< What is said when there is no record.
 
+    bool addable = false;     ///< Records may be added without being in another one.
     QStringList tables = {}; ///< Of the rows, then those whose values stand beside.
 
     /// The column with the identifiers of the rows; -1 for none.

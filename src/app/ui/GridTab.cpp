@@ -10,6 +10,7 @@
 #include <QLocale>
 #include <QLoggingCategory>
 #include <QMimeData>
+#include <QVBoxLayout>
 #include <QPointer>
 #include <QProxyStyle>
 
@@ -46,7 +47,8 @@ GridTab::GridTab(GridSource source, Session& session, platform::TaskRunner& runn
                  QWidget* parent)
     : DocumentTab(parent), m_session(session), m_state(state), m_runner(runner),
       m_model(new GridModel(std::move(source), session, runner, this)), m_view(new QTableView(this)),
-      m_note(new QLabel(this)), m_layout(new QStackedLayout(this))
+      m_note(new QLabel(this)), m_add(new QPushButton(u"&Ajouter un enregistrement"_s, this)),
+      m_noteAndAdd(new QWidget(this)), m_layout(new QStackedLayout(this))
 {
     setObjectName(u"grid-"_s + m_model->source().key);
     arrangeView();
@@ -55,8 +57,17 @@ GridTab::GridTab(GridSource source, Session& session, platform::TaskRunner& runn
     m_note->setWordWrap(true);
     m_note->setMargin(24);
     m_note->setTextFormat(Qt::PlainText);
+    m_add->setObjectName(u"gridAdd"_s);
+    m_add->setIcon(themeIcon(u"list-add"_s));
+    m_add->hide();
+    connect(m_add, &QPushButton::clicked, this, &GridTab::addWanted);
+    auto* column = new QVBoxLayout(m_noteAndAdd);
+    column->addStretch();
+    column->addWidget(m_note);
+    column->addWidget(m_add, 0, Qt::AlignHCenter);
+    column->addStretch();
     m_layout->addWidget(m_view);
-    m_layout->addWidget(m_note);
+    m_layout->addWidget(m_noteAndAdd);
     setFocusProxy(m_view);
     connectModel();
     m_model->load();
@@ -114,7 +125,7 @@ void GridTab::connectModel()
     connect(m_model, &GridModel::failed, this, [this](const QString& description) {
         m_note->setText(description);
         if (m_model->rowCount() == 0)
-            m_layout->setCurrentWidget(m_note);
+            m_layout->setCurrentWidget(m_noteAndAdd);
         Q_EMIT failed(description);
     });
     connect(m_view, &QTableView::doubleClicked, this, &GridTab::activate);
@@ -149,7 +160,8 @@ void GridTab::showRowsOrNote()
     const bool empty = m_model->isComplete() && m_model->rowCount() == 0;
     if (empty)
         m_note->setText(source().emptyText);
-    m_layout->setCurrentWidget(empty ? static_cast<QWidget*>(m_note) : m_view);
+    m_add->setVisible(empty && source().addable && !m_session.readOnly());
+    m_layout->setCurrentWidget(empty ? m_noteAndAdd : static_cast<QWidget*>(m_view));
     returnToRow();
     Q_EMIT stateChanged();
 }

@@ -6,6 +6,7 @@
 #include "platform/ui/DocumentTab.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QStackedLayout>
 #include <QTableView>
 
@@ -47,6 +48,7 @@ public:
 
 Q_SIGNALS:
     void activated(qint32 id); ///< Double click or Return on a row.
+    void addWanted();          ///< The button of an empty table.
 
 private:
     void arrangeView();
@@ -67,7 +69,9 @@ private:
     platform::TaskRunner& m_runner;
     GridModel* m_model;
     QTableView* m_view;
-    QLabel* m_note;
+    QLabel* m_note;        ///< Why there are no rows.
+    QPushButton* m_add;    ///< Below it, where one can be added.
+    QWidget* m_noteAndAdd;
     QStackedLayout* m_layout;
     bool m_arranged = false;
     int m_rowWanted = -1; ///< To be the current one again as soon as it is found; -1 for none.

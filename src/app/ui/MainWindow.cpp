@@ -8,6 +8,7 @@
 #include "app/ui/Icons.h"
 #include "app/ui/MapDesk.h"
 #include "app/ui/ManualWindow.h"
+#include "app/ui/PictureDesk.h"
 #include "app/ui/QueryDesk.h"
 #include "app/ui/ReferenceDesk.h"
 #include "app/ui/StructureDesk.h"
@@ -118,6 +119,11 @@ void MainWindow::connectParts()
     connect(m_commands, &ProjectCommands::projectClosing, this, &MainWindow::putAway);
     connect(m_place, &Workplace::recordsWritten, m_documents, &Documents::recordsWritten);
     connect(m_documents, &Documents::currentChanged, this, &MainWindow::showCurrentTab);
+    connect(m_documents, &Documents::addWanted, this, [this](const QString& key) {
+        m_dock->view().setCurrentIndex(m_dock->model().indexOf(key));
+        if (QAction* add = findChild<QAction*>(u"addToModule"_s); add && add->isEnabled())
+            add->trigger();
+    });
     connect(m_documents, &Documents::failed, this, [this](const QString& title, const QString& description) {
         m_dialogues.tell(description, title, platform::BoxIcon::Stop);
     });
@@ -131,7 +137,10 @@ void MainWindow::serveTree()
 
 void MainWindow::makeDesks()
 {
-    m_desks.push_back(std::make_unique<EditorDesk>(*m_place));
+    auto editor = std::make_unique<EditorDesk>(*m_place);
+    auto pictures = std::make_unique<PictureDesk>(*m_place, *editor);
+    m_desks.push_back(std::move(editor));
+    m_desks.push_back(std::move(pictures));
     m_desks.push_back(std::make_unique<MapDesk>(*m_place));
     m_desks.push_back(std::make_unique<QueryDesk>(*m_place));
     m_desks.push_back(std::make_unique<ReferenceDesk>(*m_place));

@@ -167,8 +167,8 @@ void QueryDesk::installMenu(QMenu& menu)
     // The commands of the query that is shown, under its names.
     const QList<QStringList> commands{
         {u"rename"_s, u"edit-rename"_s, u"Re&nommer la requête…"_s},
-        {u"stat"_s, u"office-chart-bar"_s, u"S&tatistiques de la requête"_s},
-        {u"replace"_s, u"edit-find-replace"_s, u"Re&mplacer dans la base…"_s},
+        {u"stat"_s, u"office-chart-bar"_s, u"&Statistiques de la requête"_s},
+        {u"replace"_s, u"edit-find-replace"_s, u"Rem&placer dans la base…"_s},
         {u"toself"_s, u"list-add"_s, u"Ajouter à la sélection &flottante"_s}};
     for (const QStringList& row : commands) {
         QAction* action = command(u"query-"_s + row[0], row[1], row[2], {});

@@ -91,7 +91,7 @@ void ReferenceDesk::install(QMenuBar& bar, TreeCommands& tree)
     };
     browser(u"browseTaxa"_s, u"Lstaxons"_s, u"&Taxons"_s, u"Les noms de plantes dans leur arbre"_s, u"Taxons"_s);
     browser(u"browsePlaces"_s, u"Lslocalités"_s, u"&Localités"_s, u"Les lieux dans leur arbre"_s, u"Localités"_s);
-    browser(u"browsePeople"_s, u"Lsbotanistes"_s, u"&Collecteurs"_s, u"Les personnes par initiale et par organisme"_s,
+    browser(u"browsePeople"_s, u"Lsbotanistes"_s, u"C&ollecteurs"_s, u"Les personnes par initiale et par organisme"_s,
             u"Collecteurs"_s);
     data->addSeparator();
     connect(command(data, u"importTaxa"_s, themeIcon(u"document-import"_s), u"I&mporter des taxons…"_s,

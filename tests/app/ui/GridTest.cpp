@@ -161,8 +161,24 @@ TEST_F(Grid, AnEmptyModuleSaysSo)
     openRecords(u"Images"_s);
     auto* note = widget<QLabel>(u"gridNote"_s);
     EXPECT_TRUE(note->isVisible());
-    EXPECT_EQ(note->text(), u"Le module « Images » ne contient encore aucun enregistrement."_s);
+    EXPECT_EQ(note->text(), u"Le module « Images » ne contient encore aucun enregistrement.\n"
+                            "On en ajoute depuis la fiche d'un individu."_s);
     EXPECT_EQ(widget<QLabel>(u"recordCount"_s)->text(), u"0 enregistrement"_s);
+    EXPECT_FALSE(widget<QPushButton>(u"gridAdd"_s)->isVisible());
+}
+
+TEST_F(Grid, AnEmptyProjectOffersItsFirstIndividual)
+{
+    program->session().database().Execute(u"DELETE * FROM Individus"_s);
+    openRecords(u"Individus"_s);
+    auto* add = widget<QPushButton>(u"gridAdd"_s);
+    ASSERT_TRUE(add->isVisible());
+    add->click();
+    settle();
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    EXPECT_TRUE(std::any_of(windows.begin(), windows.end(), [](const QWidget* widget) {
+        return widget->isVisible() && widget->inherits("editing::RecordEditorWindow");
+    }));
 }
 
 TEST_F(Grid, ATabClosedWhileItsRowsAreReadLeavesNothingBehind)

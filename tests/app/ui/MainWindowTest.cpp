@@ -69,7 +69,7 @@ TEST_F(Window, OpensTheFileThatIsChosen)
     trigger(u"open"_s);
     EXPECT_EQ(window().windowTitle(), u"projet.hbx - Herbora"_s);
     EXPECT_TRUE(action(u"modif"_s)->isVisible());
-    EXPECT_FALSE(action(u"modif"_s)->isEnabled());
+    EXPECT_TRUE(action(u"modif"_s)->isEnabled());
     EXPECT_TRUE(action(u"optimise"_s)->isEnabled());
     ASSERT_EQ(steps.size(), 12);
     EXPECT_EQ(steps.last(), (QVariantList{u"Chargement et Validation OK de la base de donnée"_s, 100}));

@@ -26,14 +26,14 @@ TEST_F(Tree, HoldsKeysTextsIconsAndTags)
     openProject();
     const TreeModel& model = window().dock().model();
     EXPECT_EQ(lines(model),
-              (QStringList{u"Bases = projet.hbx"_s, u" Individus = Individus"_s, u"  2-query = En altitude"_s,
-                           u"  3-model = Récolte"_s, u" Déterminations = Déterminations"_s, u" Images = Images"_s,
+              (QStringList{u"Bases = projet.hbx"_s, u" Individus = Individus"_s, u"  7-query = En altitude"_s,
+                           u"  8-model = Récolte"_s, u" Déterminations = Déterminations"_s, u" Images = Images"_s,
                            u" Requête = Requêtes"_s, u" Sélections = Sélections"_s,
                            u"  Sélections flottantes = Sélections flottantes"_s,
                            u"   Individus-self = Individus < 0 >"_s, u"   Déterminations-self = Déterminations < 0 >"_s,
                            u"   Images-self = Images < 0 >"_s, u" Modèle = Modèles d'ajout"_s,
                            u" Lsbotanistes = Botanistes"_s, u" Lslocalités = Localités"_s, u" Lstaxons = Taxons"_s}));
-    EXPECT_EQ(model.indexOf(u"3-model"_s).data(TreeModel::TagRole), QVariant(3));
+    EXPECT_EQ(model.indexOf(u"8-model"_s).data(TreeModel::TagRole), QVariant(8));
     EXPECT_FALSE(model.index(0, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
 }
 
@@ -71,10 +71,10 @@ TEST_F(Tree, CommandsFollowTheNode)
              Case{u"Images"_s,
                   {u"Ouvrir le Module Images"_s, u"Ajouter dans le Module Images"_s, u"Créer un nouveau Modèle"_s,
                    u"Créer une nouvelle Requête"_s}},
-             Case{u"2-query"_s,
+             Case{u"7-query"_s,
                   {u"Ouvrir la Requête En altitude"_s, u"Créer une nouvelle Requête"_s,
                    u"Supprimer la Requête En altitude"_s}},
-             Case{u"3-model"_s,
+             Case{u"8-model"_s,
                   {u"Créer un nouveau Modèle"_s, u"Ajouter depuis le Modèle"_s, u"Supprimer le Modèle"_s}},
              Case{u"Requête"_s, {u"Créer une nouvelle Requête"_s}},
              Case{u"Modèle"_s, {u"Créer un nouveau Modèle"_s}},
