@@ -24,7 +24,7 @@ map::MapWorld mapWorld(Workplace& place)
 void MapDesk::install(QMenuBar& bar, TreeCommands&)
 {
     auto* menu = bar.findChild<QMenu*>(u"menuDonnees"_s);
-    m_action = new QAction(iconNamed(u"Lslocalités"_s), u"&Carte des localités"_s, this);
+    m_action = new QAction(iconNamed(u"Lslocalités"_s), u"&Carte des localités"_s, &bar);
     m_action->setObjectName(u"carte"_s);
     connect(m_action, &QAction::triggered, this, [this] { openMap(); });
     m_action->setEnabled(false);
