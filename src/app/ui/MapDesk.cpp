@@ -10,6 +10,8 @@
 #include "map/ui/Cartographie.h"
 #include "map/ui/MapPanel.h"
 
+#include <QPushButton>
+
 namespace app {
 
 using namespace Qt::StringLiterals;
@@ -57,7 +59,12 @@ void MapDesk::photograph(Photographer& photographer)
             continue;
         panel.reloadMaps(panel.maps().itemData(i).toInt());
         photographer.settle(ready);
-        photographer.take(u"carte-calibree"_s);
+        photographer.take(u"carte-regionale"_s);
+        panel.startCalibration();
+        panel.map().setMarks({{200, 200}, {1000, 600}});
+        Q_EMIT panel.map().marksChanged();
+        photographer.take(u"carte-calibration"_s);
+        panel.findChild<QPushButton*>(u"annulerCalibration"_s)->click();
         break;
     }
     place().documents().closeCurrent();

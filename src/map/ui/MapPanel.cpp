@@ -49,6 +49,7 @@ MapPanel::MapPanel(const MapWorld& world, QWidget* parent)
     column->addWidget(m_calibration);
     column->addWidget(makeStatusLine());
     setFocusProxy(m_map);
+    setProperty("manuel", u"cartes"_s); // the page that F1 opens
     connectMap();
     showActions();
 }
