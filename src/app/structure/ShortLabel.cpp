@@ -3,12 +3,10 @@
 #include "data/FieldType.h"
 #include "editing/ProjectRecords.h"
 #include "jet/Recordset.h"
-#include "jet/SqlText.h"
 
 namespace app {
 
 using namespace Qt::StringLiterals;
-using jet::nom;
 
 namespace {
 
@@ -52,9 +50,10 @@ ExampleValues exampleValues(jet::Database& database, const DraftModule& module, 
     const jet::TableDef* table = module.origin.isEmpty() ? nullptr : database.schema().table(module.origin);
     if (!table)
         return values;
-    const QString id = u"ID "_s + module.origin;
-    const auto rows = database.OpenRecordset(
-        u"SELECT TOP 1 * FROM %1 ORDER BY %2"_s.arg(nom(module.origin), nom(id)));
+    // The table in the order of its key: nothing is sorted, whatever its size.
+    const auto rows = database.OpenRecordset(module.origin, jet::RecordsetType::Table);
+    if (table->index(u"PrimaryKey"))
+        rows->SetIndex(u"PrimaryKey"_s);
     if (rows->EOF_())
         return values;
     for (const DraftField& field : module.fields) {

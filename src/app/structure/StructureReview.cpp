@@ -1,5 +1,6 @@
 #include "app/structure/StructureReview.h"
 
+#include "app/structure/StructureEditing.h"
 #include "app/structure/ValueConversion.h"
 #include "data/FieldType.h"
 #include "jet/ColumnTest.h"
@@ -21,7 +22,7 @@ constexpr qint64 portion = 5000;
 
 QString typeName(int type)
 {
-    return data::nameOfType(type);
+    return StructureEditing::typeText(type);
 }
 
 QString fieldAs(const FieldChange& change)
@@ -255,7 +256,8 @@ void Reviewer::kept(const ModuleChange& change)
     keys(change);
 }
 
-QString plural(qint64 count, const QString& one, const QString& several)
+/// One sentence for one, another for several.
+QString counted(qint64 count, const QString& one, const QString& several)
 {
     return QString::number(count) + u' ' + (count > 1 ? several : one);
 }
@@ -264,26 +266,39 @@ QString plural(qint64 count, const QString& one, const QString& several)
 
 QString Finding::text() const
 {
-    const QString where = field.isEmpty() ? u"module « %1 »"_s.arg(module)
-                                          : u"champ « %1 » du module « %2 »"_s.arg(field, module);
-    const QString records = plural(count, u"enregistrement"_s, u"enregistrements"_s);
+    const QString where = field.isEmpty() ? u"Module « %1 » : "_s.arg(module)
+                                          : u"« %1 », champ « %2 » : "_s.arg(module, field);
     switch (kind) {
     case Unconverted:
-        return u"%1 ne se convertissent pas de %2 en %3 et seront effacées : %4"_s.arg(
-            plural(count, u"valeur"_s, u"valeurs"_s), typeName(from), typeName(to), where);
+        return where
+               + counted(count, u"valeur ne se convertit pas de %1 en %2 et sera effacée"_s,
+                         u"valeurs ne se convertissent pas de %1 en %2 et seront effacées"_s)
+                     .arg(typeName(from), typeName(to));
     case Approximated:
-        return u"%1 seront arrondies ou abrégées en passant de %2 à %3 : %4"_s.arg(
-            plural(count, u"valeur"_s, u"valeurs"_s), typeName(from), typeName(to), where);
+        return where
+               + counted(count, u"valeur sera arrondie ou abrégée en passant de %1 à %2"_s,
+                         u"valeurs seront arrondies ou abrégées en passant de %1 à %2"_s)
+                     .arg(typeName(from), typeName(to));
     case Missing:
-        return u"%1 sans valeur, alors qu'elle est obligatoire : %2"_s.arg(records, where);
+        return where
+               + counted(count, u"enregistrement n'a pas de valeur, alors qu'elle devient obligatoire"_s,
+                         u"enregistrements n'ont pas de valeur, alors qu'elle devient obligatoire"_s);
     case Repeated:
-        return u"%1 avec une valeur en double, alors qu'elle doit être unique : %2"_s.arg(records, where);
+        return where
+               + counted(count, u"enregistrement a une valeur en double, alors qu'elle devient unique"_s,
+                         u"enregistrements ont une valeur en double, alors qu'elle devient unique"_s);
     case Refused:
-        return u"%1 ne respectent pas la règle de validation : %2"_s.arg(records, where);
+        return where
+               + counted(count, u"enregistrement ne respecte pas la règle de validation"_s,
+                         u"enregistrements ne respectent pas la règle de validation"_s);
     case RepeatedKey:
-        return u"%1 avec une combinaison en double, alors qu'elle doit être unique : %2"_s.arg(records, where);
+        return where
+               + counted(count, u"enregistrement a une combinaison en double, alors qu'elle devient unique"_s,
+                         u"enregistrements ont une combinaison en double, alors qu'elle devient unique"_s);
     case SeveralOfOne:
-        return u"%1 d'individus qui en ont plusieurs, alors qu'un seul est admis : %2"_s.arg(records, where);
+        return where
+               + counted(count, u"enregistrement de trop : un seul devient possible par individu"_s,
+                         u"enregistrements d'individus qui en ont plusieurs : un seul devient possible"_s);
     }
     return {};
 }
@@ -326,7 +341,7 @@ bool holdsData(jet::Database& database, const QString& module, const QString& co
     if (!field)
         return false;
     const QString condition = field->Type == jet::DataType::Boolean ? u"=True"_s : u" IS NOT NULL"_s;
-    const auto rows = database.OpenRecordset(u"SELECT TOP 1 [ID %1] FROM %2 WHERE %3"_s.arg(
+    const auto rows = database.OpenRecordset(u"SELECT [ID %1] FROM %2 WHERE %3"_s.arg(
         module, nom(module), nom(column) + condition));
     return !rows->EOF_();
 }

@@ -204,26 +204,44 @@ void StructureDesk::write(bool losesData)
 
 // --- Pictures --------------------------------------------------------------------------------------
 
+namespace {
+
+/// A change of type that makes something to be shown: the first field whose values do not all convert.
+StructureReview conversionToShow(Session& session, StructureEditing& editing, int module)
+{
+    platform::NoProgression quiet;
+    StructureReview found;
+    const QList<DraftField> fields = editing.draft().module(module)->fields;
+    for (const DraftField& field : fields) {
+        if (field.record.type != data::Texte || !editing.setType(field.id, data::Entier))
+            continue;
+        found = reviewOf(session.database(), editing.plan(), quiet);
+        editing.draft().undo();
+        if (!found.findings.isEmpty() && !found.forbids())
+            return found;
+    }
+    return found;
+}
+
+} // namespace
+
 void StructureDesk::photograph(Photographer& photographer)
 {
     open();
     photographer.settle([this] { return m_window != nullptr; });
-    const DraftModules& modules = m_editing->draft().modules();
-    const auto module = std::find_if(modules.begin(), modules.end(), [](const DraftModule& one) {
-        return one.record.isUser() && one.fields.size() > 4;
-    });
-    if (module == modules.end())
-        return;
-    const int id = module->id;
-    m_window->choose(id);
+    const DraftModules modules = m_editing->draft().modules();
+    const auto module = std::find_if(modules.rbegin(), modules.rend(),
+                                     [](const DraftModule& one) { return one.record.isUser() && one.fields.size() > 2; });
+    if (module == modules.rend())
+        return m_window->closeQuietly();
+    m_editing->setShortLabel(module->id, u"[%1], [%2]"_s.arg(module->fields[0].record.caption,
+                                                            module->fields[1].record.caption));
+    m_window->choose(module->id);
     photographer.settle();
     photographer.take(u"structure-module"_s, *m_window);
-    int number = 0;
-    for (const DraftField& field : m_editing->draft().module(id)->fields) {
-        if (field.record.type == data::Réel || field.record.type == data::Entier)
-            number = field.id;
-    }
-    m_window->choose(number ? number : m_editing->draft().module(id)->fields.first().id);
+    const auto list = std::find_if(module->fields.begin(), module->fields.end(),
+                                   [](const DraftField& field) { return field.isList(); });
+    m_window->choose(list == module->fields.end() ? module->fields.first().id : list->id);
     photographer.settle();
     photographer.take(u"structure-champ"_s, *m_window);
     m_window->command(u"wizard"_s)->trigger();
@@ -231,10 +249,8 @@ void StructureDesk::photograph(Photographer& photographer)
     if (QWidget* trial = m_window->trial())
         photographer.take(u"structure-saisie"_s, *trial);
     m_window->closeParts();
-    if (number) {
-        m_editing->setType(number, data::OuiNon);
-        platform::NoProgression quiet;
-        const StructureReview found = reviewOf(session().database(), m_editing->plan(), quiet);
+    const StructureReview found = conversionToShow(session(), *m_editing, module->id);
+    {
         ReviewDialog dialog(found, m_editing->caption() + u": Enregistrement"_s,
                             QFileInfo(structureBackupPath(session().path())).fileName(), m_window.get());
         dialog.show();

@@ -198,7 +198,7 @@ TEST_F(StructureWindowTest, ShowsWhatSavingDoesAndAsks)
         seen = true;
         auto* list = dialog->findChild<QTreeWidget*>(u"constats"_s);
         EXPECT_EQ(list->topLevelItem(0)->text(0),
-                  u"1 valeur ne se convertissent pas de Texte en Réel et seront effacées : champ « Légende » du module « Images »"_s);
+                  u"« Images », champ « Légende » : 1 valeur ne se convertit pas de Texte court en Nombre Réel et sera effacée"_s);
         EXPECT_EQ(list->topLevelItem(0)->child(0)->text(1), u"vue générale"_s);
         dialog->findChild<QPushButton*>(u"enregistrer"_s)->click();
     });

@@ -15,8 +15,10 @@ namespace {
 /// The text, unless the user is typing there.
 void setText(QLineEdit* line, const QString& text)
 {
-    if (line->text() != text && !(line->hasFocus() && line->isModified()))
-        line->setText(text);
+    if (line->text() == text || (line->hasFocus() && line->isModified()))
+        return;
+    line->setText(text);
+    line->setCursorPosition(0); // a long text is read from its beginning
 }
 
 void setChecked(QCheckBox* box, bool on)

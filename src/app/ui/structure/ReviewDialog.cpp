@@ -30,7 +30,7 @@ ReviewDialog::ReviewDialog(const StructureReview& review, const QString& title, 
 {
     setObjectName(u"apercuStructure"_s);
     setWindowTitle(title);
-    resize(720, 460);
+    resize(900, 480);
     auto* layout = new QVBoxLayout(this);
     const bool forbids = review.forbids();
     layout->addWidget(textLabel(forbids ? u"La structure ne peut pas être enregistrée : des enregistrements ne respectent pas "

@@ -2,6 +2,7 @@
 
 #include "app/structure/StructureEditing.h"
 #include "app/ui/Icons.h"
+#include "data/FieldType.h"
 #include "editing/FieldTypes.h"
 
 #include <QApplication>
@@ -31,6 +32,38 @@ int flagOf(int column)
     }
 }
 
+QIcon iconOfType(int type)
+{
+    switch (type) {
+    case data::Longitude:
+    case data::Latitude:
+        return themeIcon(u"globe"_s);
+    case data::OuiNon:
+        return themeIcon(u"checkbox"_s);
+    case data::Réel:
+    case data::Entier:
+        return themeIcon(u"accessories-calculator"_s);
+    case data::Date:
+        return themeIcon(u"view-calendar"_s);
+    case data::Image:
+        return themeIcon(u"viewimage"_s);
+    case data::TexteMémo:
+        return themeIcon(u"text-x-generic"_s);
+    case data::ListeMultiple:
+        return themeIcon(u"format-list-unordered"_s);
+    case data::ListeSimple:
+        return themeIcon(u"format-list-ordered"_s);
+    case data::Botaniste:
+    case data::Localité:
+    case data::Taxon:
+        return iconNamed(editing::fieldTypeRow(type).icon);
+    case data::LienCourant:
+        return themeIcon(u"insert-link"_s);
+    default:
+        return themeIcon(u"draw-text"_s);
+    }
+}
+
 const QStringList& fieldTitles()
 {
     static const QStringList titles{u"Nom"_s,          u"Type"_s,        u"Nulle Interdit"_s,
@@ -56,8 +89,7 @@ StructureModel::Line StructureModel::fieldLine(const DraftModule& module, const 
                              m_editing.example(module, field)};
     for (int column = Required; column <= Linked; ++column)
         line.checks << ((field.record.flags & flagOf(column)) ? 1 : 0);
-    const QString icon = editing::fieldTypeRow(field.record.type).icon;
-    line.icon = iconNamed(icon.isEmpty() ? module.record.name : icon);
+    line.icon = iconOfType(field.record.type);
     line.tip = line.readOnly ? u"Ce champ appartient au programme : il ne peut être modifié"_s : field.record.help;
     return line;
 }

@@ -33,6 +33,7 @@ const QString geometryKey = u"structure/geometrie"_s;
 const QString splitterKey = u"structure/volets"_s;
 const QString columnsKey = u"structure/colonnes"_s;
 constexpr int largestIcon = 64;
+constexpr int titleMargin = 18;
 constexpr int messageMilliseconds = 5000;
 constexpr int patienceMilliseconds = 30;
 
@@ -112,10 +113,17 @@ void StructureWindow::makeTree()
     m_tree->setExpandsOnDoubleClick(false);
     m_tree->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_tree->header()->setStretchLastSection(true);
-    const int letter = m_tree->fontMetrics().averageCharWidth();
-    const QList<int> widths{34, 16, 13, 13, 18, 13, 30, 16, 20};
-    for (int column = 0; column < widths.size(); ++column)
-        m_tree->header()->resizeSection(column, widths[column] * letter);
+    // Wide enough for the titles of both kinds of lines.
+    const QList<int> letters{42, 16, 0, 0, 0, 0, 30, 16, 20};
+    const QModelIndex titles = m_model->index(0, 0, m_model->index(0, 0));
+    for (int column = 0; column < letters.size(); ++column) {
+        const QString title = titles.siblingAtColumn(column).data().toString();
+        const QString header = m_model->headerData(column, Qt::Horizontal).toString();
+        const int width = qMax(m_tree->fontMetrics().horizontalAdvance(title),
+                               m_tree->fontMetrics().horizontalAdvance(header));
+        m_tree->header()->resizeSection(column, qMax(letters[column] * m_tree->fontMetrics().averageCharWidth(),
+                                                     width + titleMargin));
+    }
 }
 
 QAction* StructureWindow::add(const QString& name, const QString& icon, const QString& text, const QString& tip,
@@ -559,10 +567,10 @@ void StructureWindow::closeEvent(QCloseEvent* event)
 
 void StructureWindow::restorePlaces()
 {
-    resize(1180, 660);
+    resize(1320, 700);
     restoreGeometry(m_place.state().value(geometryKey).toByteArray());
     if (!m_splitter->restoreState(m_place.state().value(splitterKey).toByteArray()))
-        m_splitter->setSizes({760, 400});
+        m_splitter->setSizes({930, 390});
     m_tree->header()->restoreState(m_place.state().value(columnsKey).toByteArray());
 }
 
