@@ -173,6 +173,8 @@ void QueryDesk::installMenu(QMenu& menu)
     for (const QStringList& row : commands) {
         QAction* action = command(u"query-"_s + row[0], row[1], row[2], {});
         action->setData(row[0]);
+        if (row[0] == u"toself")
+            action->setShortcut(QKeySequence(u"Ctrl+D"_s));
         connect(action, &QAction::triggered, this, [this, name = row[0]] {
             GridTab* grid = place().documents().currentGrid();
             if (query::QueryTab* tab = current())

@@ -28,7 +28,7 @@ void fill(query::Query& query)
                                 pathOf(structure, data::moduleDéterminations, {u"ID Taxons"_s}), date,
                                 pathOf(structure, {}, {u"ID Localités"_s}), altitude})
         query.addReadableColumn(path);
-    query.sort(query.columns().first().alias, query::orderUp);
+    query.sort(query.columns().last().alias, query::orderDown);
     query.editCriteria([&](query::Criteria& criteria) {
         criteria.add({.path = date, .op = u"<>"_s, .value = {}, .permanent = {}});
         const qsizetype group = criteria.add({.path = altitude, .op = u">"_s, .value = u"600"_s, .permanent = {}});

@@ -189,6 +189,7 @@ ColumnsGrid::ColumnsGrid(QWidget* parent) : QTableView(parent), m_model(new Colu
     setDragDropOverwriteMode(false);
     setTabKeyNavigation(false);
     setWordWrap(false);
+    setTextElideMode(Qt::ElideMiddle); // of a path the ends tell most
     setAlternatingRowColors(true);
     verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);

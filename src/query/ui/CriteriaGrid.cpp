@@ -17,6 +17,7 @@ CriteriaGrid::CriteriaGrid(QWidget* parent)
     setModel(m_model);
     setItemDelegate(m_delegate);
     setUniformRowHeights(true);
+    setTextElideMode(Qt::ElideMiddle);
     setAlternatingRowColors(true);
     setAllColumnsShowFocus(true);
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);

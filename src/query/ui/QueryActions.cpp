@@ -13,7 +13,7 @@ QueryActions::QueryActions(QObject* parent) : QObject(parent)
     add(u"save"_s, u"document-save"_s, u"Enre&gistrer"_s, u"Enregistrer la requête dans le projet"_s);
     add(u"rename"_s, u"edit-rename"_s, u"&Renommer…"_s, u"Donner un autre nom à la requête enregistrée"_s);
     add(u"definition"_s, u"view-filter"_s, u"&Définition"_s, u"Montrer ou cacher les champs et les critères"_s,
-        u"Ctrl+D"_s);
+        u"F8"_s);
     (*this)[u"definition"_s]->setCheckable(true);
     (*this)[u"definition"_s]->setChecked(true);
     add(u"stat"_s, u"office-chart-bar"_s, u"S&tatistiques"_s, u"Statistiques de la requête"_s);
