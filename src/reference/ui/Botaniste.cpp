@@ -176,6 +176,7 @@ Botaniste::Botaniste(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
     m_view->setShowGrid(false);
     m_view->setAlternatingRowColors(true);
     m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setDefaultSectionSize(m_view->fontMetrics().height() + 8);
     m_view->horizontalHeader()->setObjectName(u"titres"_s);
     m_view->horizontalHeader()->setStretchLastSection(true);
     m_view->horizontalHeader()->resizeSection(CollectorModel::Nom, m_view->fontMetrics().averageCharWidth() * 30);
@@ -241,6 +242,8 @@ bool Botaniste::showRow(qint32 id)
     if (row < 0 && id > 0 && m_model->filter().kind != CollectorFilter::All) {
         setFilter({});
         row = m_model->rowOf(id);
+        if (everybodyListed)
+            everybodyListed();
     }
     if (row < 0)
         return false;

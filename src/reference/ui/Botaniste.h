@@ -76,6 +76,7 @@ public:
     QTableView& table() const { return *m_view; }
     CollectorModel& model() const { return *m_model; }
     void setFilter(const CollectorFilter& filter);
+    std::function<void()> everybodyListed; ///< showRow() had to leave the filter.
 
     QAbstractItemView& view() const override;
     qint32 currentId() const override;

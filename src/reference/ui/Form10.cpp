@@ -51,11 +51,16 @@ Form10::Form10(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
     m_left->addWidget(m_people);
     m_left->setStretchFactor(1, 1);
     m_left->setChildrenCollapsible(false);
-    m_left->setSizes({fontMetrics().averageCharWidth() * 24, fontMetrics().averageCharWidth() * 60});
+    m_left->setSizes({fontMetrics().averageCharWidth() * 22, fontMetrics().averageCharWidth() * 63});
     arrange(m_people, m_left, u"Lsbotanistes"_s);
     m_left->restoreState(world->remembered(key() + u"/groupes"_s).toByteArray());
     world->whenHere(this, [this] { fillGroups(); });
     connect(m_groups->selectionModel(), &QItemSelectionModel::currentChanged, this, &Form10::chooseGroup);
+    m_people->everybodyListed = [this] {
+        m_filling = true;
+        m_groups->setCurrentIndex(groupOf(u"0-Col"_s));
+        m_filling = false;
+    };
     connect(&world->people, &ReferenceList::Refresh, this, [this] { this->world().whenHere(this, [this] { fillGroups(); }); });
 }
 

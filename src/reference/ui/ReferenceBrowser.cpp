@@ -60,6 +60,8 @@ void ReferenceBrowser::arrange(ReferenceControl* control, QWidget* left, const Q
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(m_splitter);
     setFocusProxy(control);
+    const int unit = fontMetrics().averageCharWidth();
+    m_splitter->setSizes({left == control ? 50 * unit : 85 * unit, 75 * unit});
     m_splitter->restoreState(m_world->remembered(key() + u"/volets"_s).toByteArray());
     control->mayLeave = [this] { return m_form->mayLeave(); };
     connect(control, &ReferenceControl::rowChosen, this, &ReferenceBrowser::choose);
