@@ -69,10 +69,10 @@ editing::EditingContext contextOf(Session& session)
 /// What editing works with as long as a project is open.
 struct EditorDesk::Project {
     explicit Project(Workplace& place)
-        : session(place.session()), context(contextOf(session)),
-          rules(session.database(), session.dictionary(), session.surroundings().clock, place.dialogues()),
+        : session(place.session()), dialogues(place.dialogues(), place.runner()), context(contextOf(session)),
+          rules(session.database(), session.dictionary(), session.surroundings().clock, dialogues),
           search(session.database()),
-          lists(session.database(), session.properties(), session.surroundings().clock, place.dialogues()),
+          lists(session.database(), session.properties(), session.surroundings().clock, dialogues),
           form(world(place), &session.database())
     {
         rules.isConnected = [this](const QString& module) { return session.addins().item(module) != nullptr; };
@@ -87,19 +87,20 @@ struct EditorDesk::Project {
         world.search = &search;
         world.chooser = place.chooser();
         world.lists = &lists;
-        world.dialogues = &place.dialogues();
+        world.dialogues = &dialogues;
         return world;
     }
-    editing::EditingTools tools(Workplace& place)
+    editing::EditingTools tools()
     {
         editing::EditingTools tools{session.database(), session.dictionary(), session.properties(), rules,
-                                    session.surroundings().clock, place.dialogues(), context};
+                                    session.surroundings().clock, dialogues, context};
         tools.toAddin = [this](const QString& module, const QString& action, const QVariantList& arguments,
                                bool& cancel) { session.addins().itemAction(module, action, arguments, cancel); };
         return tools;
     }
 
     Session& session;
+    IdleDialogues dialogues;
     editing::EditingContext context;
     data::RecordRules rules;
     editing::ReferenceSearch search;
@@ -224,6 +225,26 @@ void EditorDesk::offerDraft()
     makeWindow().offerDraft();
 }
 
+/// The tabs are told once the command is over that wrote: they may read beside the windows at once.
+void EditorDesk::noteWritten(const QStringList& modules)
+{
+    m_allWritten = m_allWritten || modules.isEmpty();
+    m_written += modules;
+    if (!std::exchange(m_toTell, true))
+        QMetaObject::invokeMethod(this, &EditorDesk::tellWritten, Qt::QueuedConnection);
+}
+
+void EditorDesk::tellWritten()
+{
+    m_toTell = false;
+    const bool all = std::exchange(m_allWritten, false);
+    QStringList modules = std::exchange(m_written, {});
+    modules.removeDuplicates();
+    const QScopedValueRollback telling(m_telling, true);
+    if (isOpen() && !m_busy)
+        place().written(all ? QStringList() : modules);
+}
+
 void EditorDesk::followWritten(const QStringList&)
 {
     if (!window() || m_telling)
@@ -251,12 +272,9 @@ editing::RecordEditorWindow& EditorDesk::makeWindow()
     Project& project = *m_project;
     if (project.window)
         return *project.window;
-    project.editing = std::make_unique<IndividualEditing>(project.tools(place()));
-    project.editing->written = [this](const QStringList& modules) {
-        const QScopedValueRollback telling(m_telling, true);
-        place().written(modules);
-    };
-    editing::EditorSurroundings around{place().dialogues(), project.form};
+    project.editing = std::make_unique<IndividualEditing>(project.tools());
+    project.editing->written = [this](const QStringList& modules) { noteWritten(modules); };
+    editing::EditorSurroundings around{project.dialogues, project.form};
     around.search = &project.search;
     around.chooser = place().chooser();
     around.lists = &project.lists;
@@ -367,7 +385,7 @@ void EditorDesk::createModel(const TreeNode& node)
             return;
         module = session().modules().at(chosen->first()).name;
     }
-    editing::createModel(module, m_project->context, session().properties(), place().dialogues(), m_project->form);
+    editing::createModel(module, m_project->context, session().properties(), m_project->dialogues, m_project->form);
 }
 
 } // namespace app

@@ -46,6 +46,8 @@ private:
     QString moduleOfModel(int model) const;
     qint32 individuShown() const;
     void offerDraft();
+    void noteWritten(const QStringList& modules);
+    void tellWritten();
     void followWritten(const QStringList& modules);
     void updateAway();
     void updateActions();
@@ -57,6 +59,9 @@ private:
     QAction* m_newIndividual = nullptr;
     bool m_busy = false;
     bool m_posing = false;  ///< For pictures: nothing that is typed is kept.
+    QStringList m_written;     ///< Modules that the editor wrote, not told yet.
+    bool m_allWritten = false; ///< Any of them.
+    bool m_toTell = false;
     bool m_stale = false;   ///< Records were written elsewhere while the database was away.
     bool m_telling = false; ///< What is written comes from the editor itself.
 };

@@ -80,4 +80,48 @@ void runBeside(platform::TaskRunner& runner, const QString& title,
         std::rethrow_exception(failure);
 }
 
+void waitUntilIdle(platform::TaskRunner& runner)
+{
+    if (!runner.isRunning())
+        return;
+    QEventLoop loop;
+    QObject::connect(&runner, &platform::TaskRunner::finished, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+platform::Answer IdleDialogues::ask(const platform::Message& message)
+{
+    return idle(m_next.ask(message));
+}
+
+std::optional<QString> IdleDialogues::input(const QString& title, const QString& prompt, const QString& byDefault)
+{
+    return idle(m_next.input(title, prompt, byDefault));
+}
+
+std::optional<QList<int>> IdleDialogues::choose(const platform::Choice& choice)
+{
+    return idle(m_next.choose(choice));
+}
+
+QString IdleDialogues::openFile(const QString& title, const QString& filter, const QString& folder)
+{
+    return idle(m_next.openFile(title, filter, folder));
+}
+
+QStringList IdleDialogues::openFiles(const QString& title, const QString& filter, const QString& folder)
+{
+    return idle(m_next.openFiles(title, filter, folder));
+}
+
+QString IdleDialogues::saveFile(const QString& title, const QString& filter, const QString& proposal)
+{
+    return idle(m_next.saveFile(title, filter, proposal));
+}
+
+QString IdleDialogues::chooseFolder(const QString& title, const QString& folder)
+{
+    return idle(m_next.chooseFolder(title, folder));
+}
+
 } // namespace app

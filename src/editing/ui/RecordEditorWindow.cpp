@@ -396,6 +396,8 @@ void RecordEditorWindow::updateState()
 
 void RecordEditorWindow::showObject()
 {
+    if (m_held->isHolding())
+        return;
     const EditedRecord* current = m_editing.current();
     m_object->setPlainText(current ? m_editing.about(*current) : QString());
 }
