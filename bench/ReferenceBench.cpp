@@ -224,7 +224,7 @@ BENCHMARK(importChecklist)->UseManualTime()->Unit(benchmark::kMillisecond)->Iter
 /// The first page of the children of a node, as a tree reads them, and whether something is under each that is seen.
 void unfold(Flora& f, int rank, qint32 id)
 {
-    const auto rows = f.database->OpenRecordset(f.taxa->SQLChildren(rank, id) + u" ORDER BY [Taxon]"_s, jet::RecordsetType::Snapshot);
+    const auto rows = f.taxa->RecordSetTaxons(rank, id);
     const auto page = rows->GetRows(pageOfRows);
     for (size_t i = 0; i < std::min<size_t>(40, page.size()); ++i)
         benchmark::DoNotOptimize(

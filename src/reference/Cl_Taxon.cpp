@@ -4,6 +4,7 @@
 
 #include <QLoggingCategory>
 #include <QSet>
+#include <limits>
 
 namespace reference {
 
@@ -177,6 +178,32 @@ QString Cl_Taxon::SQLChildren(int rank, qint32 id) const
     if (rank > 0)
         statement += u" AND "_s + champ(rank) + u" = "_s + QString::number(id);
     return statement;
+}
+
+/// The values of `ID Famille`, by steps on its index: one for each family, where the statement of the families looks at
+/// every taxon. Nothing when they are so many that the steps would take longer.
+std::optional<QList<qint32>> Cl_Taxon::families() const
+{
+    constexpr qsizetype most = 5000;
+    const auto rows = m_context.database.OpenRecordset(u"Taxons"_s, jet::RecordsetType::Table);
+    rows->SetIndex(u"ID Famille"_s);
+    QList<qint32> ids;
+    for (rows->Seek(u">="_s, {std::numeric_limits<qint32>::min()}); !rows->NoMatch(); rows->Seek(u">"_s, {ids.last()})) {
+        ids << rows->Value(u"ID Famille").toInt();
+        if (ids.size() > most)
+            return {};
+    }
+    return ids;
+}
+
+std::unique_ptr<jet::Recordset> Cl_Taxon::RecordSetTaxons(int rank, qint32 id) const
+{
+    QString statement = SQLChildren(rank, id);
+    if (rank == 0) {
+        if (const auto ids = families())
+            statement += u" AND [ID Taxons] IN ("_s + (ids->isEmpty() ? u"0"_s : jet::liste(*ids)) + u')';
+    }
+    return m_context.database.OpenRecordset(statement + u" ORDER BY [Taxon]"_s, jet::RecordsetType::Snapshot);
 }
 
 } // namespace reference

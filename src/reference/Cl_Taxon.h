@@ -58,6 +58,8 @@ public:
     QString SQLSynonymes(qint32 id) const;
     /// Statement of the children of a node (rank 0: the families).
     QString SQLChildren(int rank, qint32 id) const;
+    /// Its rows in the order of the names: (`ID Taxons`, `Taxon`, `ID Valid`). Failures are jet::Error.
+    std::unique_ptr<jet::Recordset> RecordSetTaxons(int rank, qint32 id) const;
 
 private:
     int RangTaxon() const; ///< Of the current record.
@@ -66,6 +68,7 @@ private:
     QList<qint32> IDSynonymes(qint32 id) const;
     bool moveOne(qint32 moved, qint32 target, const QList<qint32>& all, bool& asked);
     QString askMove(const QList<qint32>& ids, qint32 moved, qint32 target) const;
+    std::optional<QList<qint32>> families() const;
     bool sinks(qint32 moved, qint32 target) const;
     QString fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent, int rank);
     void addParents(editing::Cl_Editions& form, qint32 above, int rank, bool known);

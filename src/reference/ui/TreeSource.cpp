@@ -28,8 +28,7 @@ std::vector<QVariant> firstRow(jet::Database& database, const QString& statement
 
 std::unique_ptr<jet::Recordset> TaxonSource::children(const TreeRow& parent) const
 {
-    return m_database.OpenRecordset(m_taxa.SQLChildren(parent.rank, parent.id) + u" ORDER BY [Taxon]"_s,
-                                    jet::RecordsetType::Snapshot);
+    return m_taxa.RecordSetTaxons(parent.rank, parent.id);
 }
 
 TreeRow TaxonSource::rowOf(const std::vector<QVariant>& values, const TreeRow& parent) const
