@@ -16,6 +16,9 @@ int run(const cli::Arguments& arguments)
         {u"verifier"_s, cli::runVerify},    {u"demo"_s, cli::runDemo},
         {u"requete"_s, cli::runRequest},      {u"importer"_s, cli::runImport},
         {u"exporter"_s, cli::runExport},
+#ifdef HERBORA_IMAGES
+        {u"imagettes"_s, cli::runImagettes},
+#endif
     };
     if (arguments.has(u"--version"_s)) {
         cli::printLine(u"herbora-cli " HERBORA_VERSION ""_s);

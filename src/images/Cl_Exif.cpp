@@ -1,5 +1,6 @@
 #include "images/Cl_Exif.h"
 
+#include "images/Pictures.h"
 #include "platform/ReplaceFile.h"
 
 #include <QBuffer>
@@ -8,8 +9,8 @@
 #include <QImage>
 #include <QImageReader>
 #include <QLoggingCategory>
-#include <QTimeZone>
 #include <exiv2/exiv2.hpp>
+#include <mutex>
 
 namespace images {
 
@@ -17,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(exifLog, "herbora.exif")
+Q_LOGGING_CATEGORY(exifLog, "herbora.exif", QtInfoMsg)
 
 constexpr int tagDescription = 270;
 constexpr int tagArtist = 315;
@@ -147,11 +148,31 @@ void logQuietly(int, const char* message)
     qCDebug(exifLog).noquote() << QString::fromLocal8Bit(message).trimmed();
 }
 
+/// Exiv2 has one XMP parser for all threads, which asks for a lock of ours.
+void lockXmp(void* lock, bool taken)
+{
+    auto* mutex = static_cast<std::mutex*>(lock);
+    taken ? mutex->lock() : mutex->unlock();
+}
+
+void prepareExiv()
+{
+    static std::mutex xmpLock;
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setHandler(logQuietly);
+        Exiv2::XmpParser::initialize(lockXmp, &xmpLock);
+    });
+}
+
 } // namespace
 
 struct Cl_Exif::Picture {
     QByteArray bytes;
     Exiv2::ExifData exif;
+    Exiv2::XmpData xmp;
+    Exiv2::IptcData iptc;
+    std::string comment;
 };
 
 Cl_Exif::Cl_Exif() = default;
@@ -159,10 +180,15 @@ Cl_Exif::~Cl_Exif() = default;
 
 bool Cl_Exif::OpenFile(const QString& path)
 {
+    return OpenBytes(fileBytes(path));
+}
+
+bool Cl_Exif::OpenBytes(const QByteArray& bytes)
+{
     CloseFile();
-    Exiv2::LogMsg::setHandler(logQuietly);
+    prepareExiv();
     auto picture = std::make_unique<Picture>();
-    picture->bytes = fileBytes(path);
+    picture->bytes = bytes;
     QBuffer buffer(&picture->bytes);
     buffer.open(QIODevice::ReadOnly);
     if (picture->bytes.isEmpty() || !QImageReader(&buffer).canRead())
@@ -171,9 +197,12 @@ bool Cl_Exif::OpenFile(const QString& path)
         const auto image = exivImage(picture->bytes);
         image->readMetadata();
         picture->exif = image->exifData();
+        picture->xmp = image->xmpData();
+        picture->iptc = image->iptcData();
+        picture->comment = image->comment();
     } catch (const std::exception& error) {
         // A picture with broken properties is still a picture.
-        qCDebug(exifLog).noquote() << path << error.what();
+        qCDebug(exifLog).noquote() << error.what();
     }
     m_picture = std::move(picture);
     return true;
@@ -229,30 +258,39 @@ bool Cl_Exif::SetExifData(int tag, const QVariant& value)
     }
 }
 
-bool Cl_Exif::SaveFile(const QString& path, int quality)
+QByteArray Cl_Exif::SavedBytes(int quality) const
 {
-    if (!m_picture)
-        return false;
-    const QByteArray jpeg = encoded(QImage::fromData(m_picture->bytes), quality);
+    // The turn that the camera asks for stays a property: the pixels are written as they lie.
+    const QByteArray jpeg = m_picture ? encoded(decodedWhole(m_picture->bytes), quality) : QByteArray();
     if (jpeg.isEmpty())
-        return false;
+        return {};
     try {
         const auto image = exivImage(jpeg);
         image->readMetadata();
         image->setExifData(m_picture->exif);
+        image->setXmpData(m_picture->xmp);
+        image->setIptcData(m_picture->iptc);
+        image->setComment(m_picture->comment);
         image->writeMetadata();
         Exiv2::BasicIo& io = image->io();
         io.open();
         const Exiv2::DataBuf whole = io.read(long(io.size()));
-        const QByteArray bytes(reinterpret_cast<const char*>(whole.pData_), qsizetype(whole.size_));
-        const QString error = platform::replaceFile(path, bytes);
-        if (!error.isEmpty())
-            qCWarning(exifLog).noquote() << path << error;
-        return error.isEmpty();
+        return QByteArray(reinterpret_cast<const char*>(whole.pData_), qsizetype(whole.size_));
     } catch (const std::exception& error) {
-        qCWarning(exifLog).noquote() << path << error.what();
-        return false;
+        qCWarning(exifLog).noquote() << error.what();
+        return {};
     }
+}
+
+bool Cl_Exif::SaveFile(const QString& path, int quality)
+{
+    const QByteArray bytes = SavedBytes(quality);
+    if (bytes.isEmpty())
+        return false;
+    const QString error = platform::replaceFile(path, bytes);
+    if (!error.isEmpty())
+        qCWarning(exifLog).noquote() << path << error;
+    return error.isEmpty();
 }
 
 bool Cl_Exif::ExtractThumbnail(const QString& path, const QString& destination)
@@ -261,7 +299,7 @@ bool Cl_Exif::ExtractThumbnail(const QString& path, const QString& destination)
     QVariant bytes;
     if (!exif.OpenFile(path) || !exif.GetExifData(tagThumbnail, bytes))
         return false;
-    const QImage thumbnail = QImage::fromData(bytes.toByteArray());
+    const QImage thumbnail = decodedWhole(bytes.toByteArray());
     if (thumbnail.isNull())
         return false;
     if (destination.isEmpty())

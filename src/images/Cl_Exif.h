@@ -9,7 +9,7 @@
 namespace images {
 
 /// Opens one picture, reads and writes its properties, takes out the small picture that cameras embed, saves
-/// it again. Properties go by their standard number. Nothing throws: a failure gives false and leaves the
+/// it again. May be used in several threads, each with an object of its own. Properties go by their standard number. Nothing throws: a failure gives false and leaves the
 /// open picture as it was.
 class Cl_Exif {
 public:
@@ -19,6 +19,8 @@ public:
     Cl_Exif& operator=(const Cl_Exif&) = delete;
 
     bool OpenFile(const QString& path);
+    /// The same with a picture that is in memory.
+    bool OpenBytes(const QByteArray& bytes);
     void CloseFile();
     /// True when the tag is there. By the type of the property: BYTE, SBYTE, UNDEFINED bytes (QByteArray); ASCII a text
     /// without closing zero (tags 36867 and 36868 a QDateTime); SHORT, SSHORT, LONG, SLONG, FLOAT lists of
@@ -30,6 +32,8 @@ public:
     bool SetExifData(int tag, const QVariant& value);
     /// Writes the picture as JPEG with all its properties. `quality` 0 to 100, below 0 the encoder's own.
     bool SaveFile(const QString& path, int quality = -1);
+    /// What SaveFile writes; empty when it cannot be made.
+    QByteArray SavedBytes(int quality = -1) const;
     /// Writes the embedded picture of `path` to `destination`; false (and no file) when it has none.
     static bool ExtractThumbnail(const QString& path, const QString& destination);
 

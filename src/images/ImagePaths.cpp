@@ -45,6 +45,21 @@ QString findPicture(const QString& stored, const QStringList& folders)
     return {};
 }
 
+QString storedName(const QString& path, const QStringList& folders)
+{
+    const QString file = QFileInfo(path).absoluteFilePath();
+    for (const QString& folder : folders) {
+        const QString base = QDir(folder).absolutePath();
+        if (!file.startsWith(base + u'/'))
+            continue;
+        const QString relative = file.mid(base.size() + 1);
+        // A file of the same name in an earlier folder would be taken for it.
+        if (QFileInfo(findPicture(relative, folders)).absoluteFilePath() == file)
+            return relative;
+    }
+    return path;
+}
+
 QString pictureMissing(const QString& stored)
 {
     return u"L'image "_s + stored + u" est introuvable dans les répertoires déclarés"_s;

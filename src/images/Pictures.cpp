@@ -1,5 +1,6 @@
 #include "images/Pictures.h"
 
+#include <QBuffer>
 #include <QImageReader>
 #include <QPainter>
 #include <cmath>
@@ -14,6 +15,29 @@ namespace {
 constexpr int oversampling = 2;
 constexpr int pictureError = 481;
 
+[[noreturn]] void refuse(const QString& path)
+{
+    throw jet::Error(pictureError, u"Erreur de chargement de l'image "_s + path, u"GDI+ Module"_s);
+}
+
+bool isTooLarge(const QSize& size)
+{
+    return qint64(size.width()) * size.height() > mostPixels;
+}
+
+void prepare(QImageReader& reader, const QString& path)
+{
+    reader.setAutoTransform(true);
+    reader.setDecideFormatFromContent(true);
+    if (isTooLarge(reader.size()))
+        refuse(path);
+}
+
+QSize upright(const QImageReader& reader, const QSize& stored)
+{
+    return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90) ? stored.transposed() : stored;
+}
+
 } // namespace
 
 QSize fittedSize(const QSize& picture, int target)
@@ -25,14 +49,13 @@ QSize fittedSize(const QSize& picture, int target)
 QImage loadPicture(const QString& path, int target, bool square, const QColor& background)
 {
     QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
+    prepare(reader, path);
     const QSize stored = reader.size();
     if (stored.isValid() && std::max(stored.width(), stored.height()) > target * oversampling)
         reader.setScaledSize(fittedSize(stored, target * oversampling));
     const QImage loaded = target > 0 ? reader.read() : QImage();
     if (loaded.isNull())
-        throw jet::Error(pictureError, u"Erreur de chargement de l'image "_s + path, u"GDI+ Module"_s);
+        refuse(path);
     const QSize drawn = fittedSize(loaded.size(), target);
     QImage result(square ? QSize(target, target) : drawn, QImage::Format_RGB32);
     result.fill(background);
@@ -41,6 +64,30 @@ QImage loadPicture(const QString& path, int target, bool square, const QColor& b
     const QPoint at(int(std::lround((result.width() - drawn.width()) / 2.0)), int(std::lround((result.height() - drawn.height()) / 2.0)));
     painter.drawImage(at, loaded.scaled(drawn, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     return result;
+}
+
+ViewedPicture viewPicture(const QString& path, int longest)
+{
+    QImageReader reader(path);
+    prepare(reader, path);
+    const QSize stored = reader.size();
+    if (longest > 0 && stored.isValid() && std::max(stored.width(), stored.height()) > longest)
+        reader.setScaledSize(fittedSize(stored, longest));
+    ViewedPicture viewed;
+    viewed.image = reader.read();
+    if (viewed.image.isNull())
+        refuse(path);
+    viewed.size = stored.isValid() ? upright(reader, stored) : viewed.image.size();
+    return viewed;
+}
+
+QImage decodedWhole(const QByteArray& bytes)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    return isTooLarge(reader.size()) ? QImage() : reader.read();
 }
 
 } // namespace images

@@ -18,4 +18,21 @@ QImage loadPicture(const QString& path, int target, bool square = false, const Q
 /// The size that a picture of that size takes when it is fitted into `target`.
 QSize fittedSize(const QSize& picture, int target);
 
+/// A picture to be looked at, upright.
+struct ViewedPicture {
+    QImage image;
+    QSize size; ///< Of the whole picture; that of the image may be smaller.
+    bool isWhole() const { return image.size() == size; }
+};
+
+/// The picture with no more than `longest` pixels on its longer side (0: whole). Throws as loadPicture
+/// does, and for a picture of more bytes than Qt lets one have (QImageReader::allocationLimit).
+ViewedPicture viewPicture(const QString& path, int longest);
+
+/// Pixels of the largest picture that is read at all, lest a wrong length in a file takes the memory of the machine.
+constexpr qint64 mostPixels = 160'000'000;
+
+/// A picture of any format with its pixels as they lie; null when it is none, or too large.
+QImage decodedWhole(const QByteArray& bytes);
+
 } // namespace images

@@ -1,8 +1,9 @@
+#include "PictureFiles.h"
+#include "images/Calibration.h"
 #include "images/Cl_Exif.h"
 #include "images/ImagePaths.h"
+#include "images/PictureDetails.h"
 #include "images/Pictures.h"
-#include "images/ThumbnailCache.h"
-#include "jet/Recordset.h"
 #include "support/Files.h"
 #include "support/Project.h"
 
@@ -12,27 +13,10 @@
 namespace {
 
 using namespace Qt::StringLiterals;
-using support::bytesOf;
-using support::put;
 using images::Cl_Exif;
-
-/// The demo's photographs, whose licences lie beside them.
-QString photograph(const QString& name)
-{
-    return qEnvironmentVariable("HERBORA_SOURCE") + u"/demo/images/"_s + name;
-}
-
-const QString withThumbnail = u"daisy_canon_s230.jpg"_s;
-
-/// A picture that no camera wrote anything into.
-QString drawing(const support::TestProject& project)
-{
-    const QString path = project.path(u"dessin.jpg"_s);
-    QImage image(400, 300, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    EXPECT_TRUE(image.save(path));
-    return path;
-}
+using support::photograph;
+using support::put;
+using support::withThumbnail;
 
 TEST(Exif, ReadsByType)
 {
@@ -85,33 +69,6 @@ TEST(Exif, WritesThreeTagsAndKeepsTheRest)
     EXPECT_EQ(QImage(copy).size(), QImage(photograph(withThumbnail)).size());
 }
 
-TEST(Exif, MeetsBrokenPictures)
-{
-    QTemporaryDir folder;
-    const QByteArray good = bytesOf(photograph(withThumbnail));
-    ASSERT_FALSE(good.isEmpty());
-    Cl_Exif exif;
-    EXPECT_FALSE(exif.OpenFile(folder.filePath(u"absent.jpg"_s)));
-    put(folder.filePath(u"texte.jpg"_s), "pas une image");
-    EXPECT_FALSE(exif.OpenFile(folder.filePath(u"texte.jpg"_s)));
-    quint32 seed = 7;
-    for (int round = 0; round < 40; ++round) {
-        QByteArray broken = good.left(good.size() - round * 900);
-        for (int i = 0; i < 30; ++i) {
-            seed = seed * 1664525u + 1013904223u;
-            broken[qsizetype(seed % 4000)] = char(seed >> 24);
-        }
-        const QString path = folder.filePath(u"abîmé.jpg"_s);
-        put(path, broken);
-        QVariant value;
-        if (exif.OpenFile(path)) {
-            for (const int tag : {270, 271, 20507, 33434, 36864, 36867, 37500, 1, 2})
-                exif.GetExifData(tag, value);
-        }
-        Cl_Exif::ExtractThumbnail(path, folder.filePath(u"imagette.jpg"_s));
-    }
-}
-
 TEST(Pictures, AreScaledToFit)
 {
     EXPECT_EQ(images::fittedSize({400, 200}, 100), QSize(100, 50));
@@ -148,48 +105,108 @@ TEST(ImagePaths, AreSearchedInTheirOrder)
     EXPECT_EQ(images::findPicture(u"sous\\y.jpg"_s, folders), project.path(u"a/sous/y.jpg"_s));
     EXPECT_EQ(images::findPicture(project.path(u"a/x.jpg"_s), folders), project.path(u"a/x.jpg"_s));
     EXPECT_EQ(images::findPicture(u"z.jpg"_s, folders), QString());
+    EXPECT_EQ(images::storedName(project.path(u"a/sous/y.jpg"_s), folders), u"sous/y.jpg"_s);
+    EXPECT_EQ(images::storedName(project.path(u"b/x.jpg"_s), folders), u"x.jpg"_s);
+    // Under that name the other one would be found.
+    EXPECT_EQ(images::storedName(project.path(u"a/x.jpg"_s), folders), project.path(u"a/x.jpg"_s));
+    EXPECT_EQ(images::storedName(u"/ailleurs/x.jpg"_s, folders), u"/ailleurs/x.jpg"_s);
     EXPECT_EQ(images::pictureMissing(u"z.jpg"_s), u"L'image z.jpg est introuvable dans les répertoires déclarés"_s);
 }
 
-TEST(ThumbnailCache, StoresOneRowForEachName)
+TEST(PictureDetails, AreThoseOfTheCamera)
 {
-    support::TestProject project;
-    const QString cacheFile = project.path(u"projet.hbi"_s);
-    project.clock.time = QDateTime::currentDateTime().addSecs(10);
-    {
-        images::ThumbnailCache cache(project.path(), project.clock);
-        EXPECT_EQ(images::ThumbnailCache::fileOf(project.path()), cacheFile);
-        EXPECT_TRUE(cache.read(u"a.jpg"_s).isNull());
-        EXPECT_TRUE(cache.make(u"a.jpg"_s, photograph(withThumbnail)));
-        EXPECT_TRUE(cache.make(u"b.jpg"_s, drawing(project))); // has none embedded: scaled
-        EXPECT_FALSE(cache.make(u"c.jpg"_s, u"/absent.jpg"_s));
-        EXPECT_FALSE(cache.read(u"A.JPG"_s).isNull());
-        EXPECT_LE(cache.read(u"b.jpg"_s).width(), images::ThumbnailCache::side);
-        EXPECT_TRUE(cache.make(u"a.jpg"_s, drawing(project)));
-        const QString picture = project.path(u"neuf.jpg"_s);
-        drawing(project);
-        QFile::copy(project.path(u"dessin.jpg"_s), picture);
-        QFile touched(picture);
-        ASSERT_TRUE(touched.open(QIODevice::ReadWrite));
-        touched.setFileTime(project.clock.time.addSecs(60), QFileDevice::FileModificationTime);
-        touched.close();
-        EXPECT_TRUE(cache.read(u"a.jpg"_s, picture).isNull()); // the picture is newer
-    }
-    jet::OpenOptions wrong;
-    EXPECT_THROW(jet::Database::Open(cacheFile, wrong), jet::Error);
-    wrong.password = u"pWaKmm37hQ5x8"_s;
-    const auto database = jet::Database::Open(cacheFile, wrong);
-    EXPECT_EQ(database->OpenRecordset(u"SELECT Count(*) FROM PGThumbnails"_s)->Value(0).toInt(), 2);
+    const images::PictureDetails details = images::pictureDetails(photograph(withThumbnail));
+    QStringList rows;
+    for (const images::PictureDetail& row : details.rows)
+        rows << row.label + u'=' + row.value;
+    EXPECT_TRUE(rows.contains(u"Appareil=Canon PowerShot S230"_s)) << rows.join(u'|').toStdString();
+    EXPECT_TRUE(details.date.isValid());
+    EXPECT_FALSE(details.latitude);
+    EXPECT_TRUE(images::pictureDetails(u"/absent.jpg"_s).rows.isEmpty());
+
+    QTemporaryDir folder;
+    const QString placed = folder.filePath(u"lieu.jpg"_s);
+    ASSERT_TRUE(QFile::copy(photograph(withThumbnail), placed));
+    if (!support::exiftool({u"-overwrite_original"_s, u"-GPSLatitude=12.5"_s, u"-GPSLatitudeRef=S"_s, u"-GPSLongitude=165.75"_s,
+                            u"-GPSLongitudeRef=E"_s, placed}))
+        GTEST_SKIP() << "exiftool is not installed";
+    const images::PictureDetails there = images::pictureDetails(placed);
+    ASSERT_TRUE(there.latitude && there.longitude);
+    EXPECT_NEAR(*there.latitude, -12.5, 1e-6);
+    EXPECT_NEAR(*there.longitude, 165.75, 1e-6);
 }
 
-TEST(ThumbnailCache, IsMadeAnewWhenItIsNoCache)
+/// What another program reads, before and after.
+TEST(Exif, AnotherProgramReadsWhatWasWrittenAndKept)
+{
+    QTemporaryDir folder;
+    const QString before = folder.filePath(u"avant.jpg"_s), after = folder.filePath(u"après.jpg"_s);
+    ASSERT_TRUE(QFile::copy(photograph(withThumbnail), before));
+    if (!support::exiftool({u"-overwrite_original"_s, u"-GPSLatitude=12.5"_s, u"-GPSLatitudeRef=S"_s, u"-GPSLongitude=165.75"_s,
+                            u"-GPSLongitudeRef=E"_s, u"-XMP-dc:Title=Titre"_s, u"-IPTC:Keywords=flore"_s, u"-Comment=note"_s, before}))
+        GTEST_SKIP() << "exiftool is not installed";
+    Cl_Exif exif;
+    ASSERT_TRUE(exif.OpenFile(before));
+    ASSERT_TRUE(exif.SetExifData(270, u"Bellis perennis"_s));
+    ASSERT_TRUE(exif.SetExifData(315, u"Aubreville"_s));
+    ASSERT_TRUE(exif.SetExifData(36867, QDateTime(QDate(2001, 3, 6), QTime(14, 5, 9))));
+    ASSERT_TRUE(exif.SaveFile(after, 90));
+    const auto read = [](const QString& file, const QString& tag) {
+        return support::exiftoolText({u"-s3"_s, u"-"_s + tag, file});
+    };
+    EXPECT_EQ(read(after, u"ImageDescription"_s), u"Bellis perennis"_s);
+    EXPECT_EQ(read(after, u"Artist"_s), u"Aubreville"_s);
+    EXPECT_EQ(read(after, u"DateTimeOriginal"_s), u"2001:03:06 14:05:09"_s);
+    for (const QString& tag : {u"GPSLatitude"_s, u"GPSLongitude"_s, u"Title"_s, u"Keywords"_s, u"Comment"_s, u"Make"_s,
+                               u"Canon:CanonFirmwareVersion"_s, u"Canon:FocusMode"_s, u"CreateDate"_s}) {
+        EXPECT_FALSE(read(before, tag).isEmpty()) << tag.toStdString();
+        EXPECT_EQ(read(after, tag), read(before, tag)) << tag.toStdString();
+    }
+    EXPECT_EQ(support::exiftoolText({u"-b"_s, u"-ThumbnailImage"_s, after}), support::exiftoolText({u"-b"_s, u"-ThumbnailImage"_s, before}));
+    EXPECT_EQ(support::exiftoolText({u"-warning"_s, u"-error"_s, u"-s3"_s, after}), QString());
+}
+
+TEST(Calibration, LivesInTheRowOfThePicture)
 {
     support::TestProject project;
-    put(project.path(u"projet.hbi"_s), QByteArray(5000, 'x'));
-    images::ThumbnailCache cache(project.path(), project.clock);
-    EXPECT_TRUE(cache.notice().startsWith(u"Le cache d'imagettes a été refait : "_s));
-    EXPECT_TRUE(cache.make(u"a.jpg"_s, drawing(project)));
-    EXPECT_TRUE(QFile::exists(project.path(u"projet.hbi.ancien"_s)));
+    project.create();
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
+    project.db().Execute(u"INSERT INTO Images ([ID Individus],[KeyParent],[Fichier]) VALUES (1,\"1-Individus\",\"x.jpg\")"_s);
+    const images::CalibratedRecord record{.id = 1};
+    EXPECT_TRUE(images::keepsCalibration(project.db(), record.table));
+    EXPECT_FALSE(images::keepsCalibration(project.db(), u"Individus"_s));
+    EXPECT_EQ(images::taillePixel(project.db(), record), 0.0F);
+    EXPECT_TRUE(images::setTaillePixel(project.db(), record, 0.125F));
+    EXPECT_FALSE(images::setTaillePixel(project.db(), {.id = 99}, 0.125F));
+    project.session.close();
+    ASSERT_TRUE(project.open());
+    EXPECT_EQ(images::taillePixel(project.db(), record), 0.125F);
+}
+
+TEST(Calibration, FindsTheRowByTheOlderNameOfTheIdentifier)
+{
+    QTemporaryDir folder;
+    const auto database = jet::Database::Create(folder.filePath(u"ancien.hbx"_s), u";LANGID=0x0409;CP=1252;COUNTRY=0"_s);
+    jet::TableDef table{.Name = u"Images"_s};
+    table.Fields = {{.Name = u"ID Images"_s, .Type = jet::DataType::Long},
+                    {.Name = u"ID Image"_s, .Type = jet::DataType::Long},
+                    {.Name = u"TaillePixel"_s, .Type = jet::DataType::Single}};
+    table.Indexes = {{.Name = u"PrimaryKey"_s, .Fields = {{u"ID Image"_s}}, .Primary = true, .Unique = true}};
+    database->AppendTable(table);
+    database->Execute(u"INSERT INTO Images ([ID Images],[ID Image]) VALUES (7,8)"_s);
+    EXPECT_FALSE(images::setTaillePixel(*database, {.id = 7}, 2));
+    EXPECT_TRUE(images::setTaillePixel(*database, {.id = 8}, 2));
+}
+
+TEST(Calibration, SpeaksOfSinglePrecisionNumbersInFrench)
+{
+    EXPECT_EQ(images::singleText(0), u"0"_s);
+    EXPECT_EQ(images::singleText(1234.5F), u"1234,5"_s);
+    EXPECT_EQ(images::singleText(0.1F), u"0,1"_s);
+    EXPECT_EQ(images::singleOf(u" 12,5 "_s), 12.5F);
+    EXPECT_EQ(images::singleOf(u"1 200.25"_s), 1200.25F);
+    EXPECT_FALSE(images::singleOf(u"douze"_s));
+    EXPECT_FALSE(images::singleOf(u"1e99"_s));
 }
 
 } // namespace

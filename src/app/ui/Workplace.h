@@ -8,10 +8,14 @@
 #include <QAction>
 #include <QMenu>
 #include <functional>
+#include <memory>
 
 namespace editing {
 class FormDialogue;
 class ReferenceChooser;
+}
+namespace images {
+class ThumbnailLoader;
 }
 
 namespace app {
@@ -39,6 +43,10 @@ public:
     /// next.
     editing::ReferenceChooser* chooser() const { return m_chooser; }
     void setChooser(editing::ReferenceChooser* chooser) { m_chooser = chooser; }
+
+    /// Thumbnails of the open project; null while none is open.
+    const std::shared_ptr<images::ThumbnailLoader>& thumbnails() const { return m_thumbnails; }
+    void setThumbnails(std::shared_ptr<images::ThumbnailLoader> loader) { m_thumbnails = std::move(loader); }
 
     // --- Asked by anybody, answered by one desk ---
     /// Opens the record editor on a level path (editing::IndividualEditing::levelPath, newRecordPath).
@@ -80,6 +88,7 @@ private:
     Documents& m_documents;
     QWidget& m_window;
     editing::ReferenceChooser* m_chooser = nullptr;
+    std::shared_ptr<images::ThumbnailLoader> m_thumbnails;
 };
 
 } // namespace app
