@@ -45,8 +45,9 @@ public:
             m_progression.step(text, percent);
         m_text = text;
         m_percent = percent;
-        return !m_progression.cancelled();
+        return !stopped();
     }
+    bool stopped() const { return m_progression.cancelled(); }
 
 private:
     platform::Progression& m_progression;
@@ -88,6 +89,8 @@ QString reportText(const Surroundings& surroundings, const AccessPlan& plan,
                       u"Date : %1"_s.arg(surroundings.clock.now().toString(u"dd/MM/yyyy hh:mm:ss"_s))};
     if (!plan.password.isEmpty())
         lines << u"Le nouveau projet n'a pas de mot de passe."_s;
+    addList(lines, u"Laissé de côté ou changé"_s,
+            report.remarks.isEmpty() ? QStringList{u"rien"_s} : report.remarks);
     addList(lines, u"Tables : %1, %2"_s.arg(QString::number(report.tables.size()),
                                             counted(report.rows(), u"enregistrement"_s)), tableLines(report));
     addList(lines, u"Relations"_s, report.relations);
@@ -98,8 +101,6 @@ QString reportText(const Surroundings& surroundings, const AccessPlan& plan,
             texts << u"%1 (%2)\n      %3"_s.arg(query.name, query.problem, query.sql);
         addList(lines, u"Requêtes gardées ici comme textes"_s, texts);
     }
-    addList(lines, u"Laissé de côté ou changé"_s,
-            report.remarks.isEmpty() ? QStringList{u"rien"_s} : report.remarks);
     return lines.join(u'\n').remove(QChar(u'\0'));
 }
 
@@ -118,6 +119,7 @@ QString makeProject(const Surroundings& surroundings, const AccessPlan& plan, co
     AccessFile old(plan.source, plan.password);
     const auto database = jet::Database::Create(unfinished, data::localeGeneral);
     jet::Operation operation(*database, u"Importation d'une ancienne base"_s);
+    database->SetProgress([&steps] { return !steps.stopped(); }); // an index of a large table takes its time
     const auto progress = [&](const QString& text, double done) { return steps(text, int(done * 95)); };
     jet::access::TransferReport report = jet::access::transfer(old, *database, progress);
     report.remarks += alignCoreTables(*database);

@@ -25,6 +25,7 @@ AccessReportDialog::AccessReportDialog(const QString& report, platform::Dialogue
     text->setObjectName(u"accessReportText"_s);
     text->setAccessibleName(u"Rapport d'importation"_s);
     text->setReadOnly(true);
+    text->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // lines are wrapped
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     auto* keep = buttons->addButton(u"&Enregistrer…"_s, QDialogButtonBox::ActionRole);

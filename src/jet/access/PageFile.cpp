@@ -121,6 +121,7 @@ void PageFile::readHeader(const QString& password)
     m_pageCount = quint32(qMin<qint64>(m_file.size() / m_format->pageSize, 0xFFFFFF));
     if (m_pageCount < 3 || head.size() < jet3.pageSize)
         damaged(u"il ne compte que %1 octets, moins que ses premières pages"_s.arg(m_file.size()));
+    m_budget = 8 * m_file.size();
     const QByteArray key(reinterpret_cast<const char*>(header::maskKey), sizeof header::maskKey);
     applyStream(key, head.data() + header::masked, m_version == 0 ? header::maskedSize3 : header::maskedSize4);
     const Bytes bytes(head);
@@ -208,6 +209,26 @@ QByteArray PageFile::page(quint32 number, PageType type)
     if (quint8(bytes[0]) != type)
         damaged(u"la page %1 n'est pas du type attendu"_s.arg(number));
     return bytes;
+}
+
+quint32 PageFile::owner(quint32 number)
+{
+    if (m_owners.isEmpty()) {
+        m_owners.fill(unusedPage, m_pageCount);
+        for (quint32 one = 1; one < m_pageCount; ++one) {
+            const QByteArray bytes = page(one);
+            const bool empty = bytes[0] == 0 && bytes.count('\0') == bytes.size();
+            if (!empty)
+                m_owners[one] = quint8(bytes[0]) == DataPage ? owner(bytes) : otherPage;
+        }
+    }
+    return number < m_pageCount ? m_owners[number] : unusedPage;
+}
+
+bool PageFile::spend(qint64 bytes)
+{
+    m_budget -= bytes;
+    return m_budget >= 0;
 }
 
 int PageFile::rowsOn(const QByteArray& page) const

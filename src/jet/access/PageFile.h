@@ -49,8 +49,17 @@ public:
     /// The row; nothing when its slot makes no sense.
     std::optional<RowBytes> row(const QByteArray& page, int row) const;
     std::optional<RowBytes> row(RowPointer pointer);
-    /// The page that owns the data page: that of the table's definition, or the letters "LVAL".
+    /// Whom a page belongs to: for a data page the page of the table's definition (or the letters "LVAL"), `unusedPage`
+    /// for one that is empty or beyond the end, `otherPage` for any other. The first call reads the whole file once.
+    quint32 owner(quint32 number);
+    static constexpr quint32 unusedPage = 0;
+    static constexpr quint32 otherPage = 0xFFFFFFFF;
     quint32 owner(const QByteArray& page) const { return Bytes(page).u32(m_format->dataOwner); }
+
+    /// Takes bytes off what may be read by way of pointers. What a pointer leads to belongs to one value, so that a sound
+    /// file has no more of it than its size, however often its tables are read in a conversion; false when a file
+    /// wants many times that.
+    bool spend(qint64 bytes);
 
 private:
     void readHeader(const QString& password);
@@ -65,6 +74,8 @@ private:
     quint32 m_pageKey = 0;
     quint32 m_pageCount = 0;
     bool m_hasPassword = false;
+    QList<quint32> m_owners; ///< By page.
+    qint64 m_budget = 0;     ///< What spend has left.
     QHash<quint32, QByteArray> m_cache;
     std::deque<quint32> m_cached; ///< In the order in which they came.
 };

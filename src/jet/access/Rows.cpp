@@ -13,7 +13,7 @@ constexpr int pointerSize = 4;
 } // namespace
 
 Rows::Rows(PageFile& file, const TableDefinition& table)
-    : m_file(file), m_table(table), m_budget(file.size())
+    : m_file(file), m_table(table)
 {
     try {
         m_pages = pagesOfMap(file, table.ownedMap);
@@ -23,28 +23,21 @@ Rows::Rows(PageFile& file, const TableDefinition& table)
     }
 }
 
-/// Each row that is reached by a pointer belongs to one value: together they are not longer than the file.
-bool Rows::spend(qint64 bytes)
-{
-    m_budget -= bytes;
-    return m_budget >= 0;
-}
-
 // --- From row to row -----------------------------------------------------------------------------
 
 bool Rows::nextPage()
 {
     while (m_nextPage < m_pages.size()) {
-        m_page = m_file.page(m_pages[m_nextPage++]);
-        m_row = 0;
-        m_rows = 0;
-        const bool data = quint8(m_page[0]) == DataPage;
-        if (data && m_file.owner(m_page) == m_table.page) {
+        const quint32 number = m_pages[m_nextPage++];
+        const quint32 owner = m_file.owner(number);
+        if (owner == m_table.page) {
+            m_page = m_file.page(number);
+            m_row = 0;
             m_rows = m_file.rowsOn(m_page);
             return true;
         }
         // Pages set aside for the table and not yet used are all zero.
-        if (m_page.count('\0') != m_page.size())
+        if (owner != PageFile::unusedPage)
             ++m_damagedPages;
     }
     return false;
@@ -75,7 +68,7 @@ bool Rows::enter(RowBytes row)
             return false;
         auto moved = m_file.row(RowPointer::of(row.bytes.u32(0)));
         // Rows that were moved are marked as deleted where they lie, so that nobody meets them twice.
-        if (!moved || moved->pointer || m_file.owner(moved->page) != m_table.page || !spend(moved->bytes.size()))
+        if (!moved || moved->pointer || m_file.owner(moved->page) != m_table.page || !m_file.spend(moved->bytes.size()))
             return false;
         row = std::move(*moved);
     }
@@ -180,7 +173,7 @@ bool Rows::readChain(RowPointer next, qsizetype length, QByteArray& whole)
             return false;
         seen.insert(next.number());
         const auto row = m_file.row(next);
-        if (!row || row->deleted || row->bytes.size() < longValue::chainNext || !spend(row->bytes.size()))
+        if (!row || row->deleted || row->bytes.size() < longValue::chainNext || !m_file.spend(row->bytes.size()))
             return false;
         whole.append(row->bytes.data() + longValue::chainNext, row->bytes.size() - longValue::chainNext);
         next = RowPointer::of(row->bytes.u32(0));
@@ -213,7 +206,7 @@ Cell Rows::longValue(const Column& column, const Bytes& descriptor)
         return {{}, u"valeur longue plus courte qu'annoncé"_s};
     if (word & longValue::oneRow) {
         const auto row = m_file.row(first);
-        if (!row || row->deleted || !spend(row->bytes.size()))
+        if (!row || row->deleted || !m_file.spend(row->bytes.size()))
             return {{}, u"valeur longue introuvable"_s};
         if (row->bytes.size() != length)
             return {{}, u"valeur longue d'une autre longueur qu'annoncé"_s};

@@ -7,8 +7,7 @@
 
 namespace jet::access {
 
-/// Walks the rows of a table. What is damaged is left out and counted; nothing is read twice as often as the file
-/// is long, whatever the file says.
+/// Walks the rows of a table. What is damaged is left out and counted.
 class Rows {
 public:
     /// Reads the list of the table's pages; where that is damaged, the pages are looked for one by one (mapLost).
@@ -35,7 +34,6 @@ private:
     std::optional<Bytes> bytesOf(const Column& column) const;
     Cell longValue(const Column& column, const Bytes& descriptor);
     bool readChain(RowPointer next, qsizetype length, QByteArray& whole);
-    bool spend(qint64 bytes);
 
     PageFile& m_file;
     const TableDefinition& m_table;
@@ -47,7 +45,6 @@ private:
     int m_columnCount = 0;   ///< Of the current row: later columns were added after it was written.
     qint64 m_maskAt = 0;
     QList<int> m_offsets;    ///< Of the variable columns, and the end of the last.
-    qint64 m_budget;         ///< Bytes that may still be read by way of pointers.
     qint64 m_read = 0, m_damagedRows = 0, m_damagedPages = 0;
     bool m_mapLost = false;
 };

@@ -49,8 +49,7 @@ QList<quint32> pagesOwnedBy(PageFile& file, quint32 owner)
 {
     QList<quint32> pages;
     for (quint32 number = 1; number < file.pageCount(); ++number) {
-        const QByteArray page = file.page(number);
-        if (quint8(page[0]) == DataPage && file.owner(page) == owner)
+        if (file.owner(number) == owner)
             pages.append(number);
     }
     return pages;
