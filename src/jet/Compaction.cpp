@@ -144,7 +144,7 @@ void copyPages(Store& from, Store& to, const std::function<bool()>& goOn)
 
 } // namespace
 
-void Database::SaveCopy(const QString& target)
+void Database::SaveCopy(const QString& target, const std::function<bool()>& goOn)
 {
     if (!isOpen())
         fail(3420, d->path);
@@ -157,7 +157,7 @@ void Database::SaveCopy(const QString& target)
     try {
         Store copy;
         copy.open(temporary, true, false);
-        copyPages(d->store, copy, [this] { return !d->cancelled; });
+        copyPages(d->store, copy, [&] { return !d->cancelled && (!goOn || goOn()); });
         copy.close();
         QFile::setPermissions(temporary, QFile::permissions(d->path));
         giveName(temporary, target);

@@ -109,8 +109,8 @@ public:
     /// Findings in French, empty when the file is sound. `thorough` also checks every index.
     QStringList Check(bool thorough = true);
     /// Writes a copy of the open file, page by page, flushed and named last: 3204 when `target` exists, 3034 inside of an
-    /// operation.
-    void SaveCopy(const QString& target);
+    /// operation. Where `goOn` gives false now and then, it stops (3059) and leaves nothing.
+    void SaveCopy(const QString& target, const std::function<bool()>& goOn = {});
 
     Store& store(); ///< For the classes of the engine.
 
