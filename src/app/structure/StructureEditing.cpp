@@ -281,9 +281,16 @@ bool StructureEditing::deleteModule(int module)
         return false;
     const QString name = known->record.name;
     const bool working = !known->origin.isEmpty() && m_session.addins().item(known->origin);
+    qint64 count = 0;
+    try {
+        count = countRecords(m_session.database(), known->origin); // there may be more of them by now
+    } catch (const jet::Error& error) {
+        refuse(error.description());
+        return false;
+    }
     QStringList lines{u"Vous allez supprimer le module < "_s + name + u" >"_s};
-    if (working || records(*known) > 0)
-        lines << u"Ce module est actuellement fonctionnel, il contient "_s + QString::number(records(*known))
+    if (working || count > 0)
+        lines << u"Ce module est actuellement fonctionnel, il contient "_s + QString::number(count)
                      + u" enregistrement(s)..."_s
               << u"La suppression de ce module entraînera la perte irrémédiable des données et des liens associés"_s;
     else

@@ -394,17 +394,28 @@ QString structureBackupPath(const QString& project)
 namespace {
 
 /// The copy replaces the one of the last time only once it is there.
-void makeBackup(Session& session)
+void makeBackup(Session& session, const platform::Progression& progression)
 {
     const QString unfinished = temporaryPath(session.path());
     QFile::remove(unfinished);
-    session.database().SaveCopy(unfinished);
+    session.database().SaveCopy(unfinished, [&] { return !progression.cancelled(); });
     try {
         moveIntoPlace(unfinished, structureBackupPath(session.path()));
     } catch (...) {
         QFile::remove(unfinished);
         throw;
     }
+}
+
+/// The floating selections of modules that are renamed, by their new names.
+QHash<QString, QList<qint32>> renamedSelections(Session& session, const StructurePlan& plan)
+{
+    QHash<QString, QList<qint32>> selections;
+    for (const ModuleChange& change : plan.kept) {
+        if (change.renamed() && session.selectionCount(change.origin) > 0)
+            selections.insert(change.name, session.selection(change.origin));
+    }
+    return selections;
 }
 
 } // namespace
@@ -417,10 +428,15 @@ bool saveStructure(Session& session, const StructurePlan& plan, bool losesData, 
     try {
         if (losesData) {
             progression.step(u"Copie de sauvegarde du projet"_s, 0);
-            makeBackup(session);
+            makeBackup(session, progression);
         }
+        const auto selections = renamedSelections(session, plan);
         saved = session.changeStructure([&] { StructureSaving(session, plan, progression).run(); });
-        progression.step(u"Structure enregistrée"_s, 100);
+        if (saved) {
+            for (auto at = selections.cbegin(); at != selections.cend(); ++at)
+                session.selection(at.key()) = at.value();
+            progression.step(u"Structure enregistrée"_s, 100);
+        }
     } catch (const jet::Error& error) {
         session.surroundings().dialogues.tell(u"La structure n'a pas été enregistrée :\n"_s + error.description(),
                                               u"Herbora"_s, platform::BoxIcon::Stop);

@@ -184,7 +184,9 @@ void StructureDesk::askByDialog(const StructureReview& review, const std::functi
                 place().window().activateWindow();
             });
     connect(dialog, &QDialog::finished, this, [answered](int result) { answered(result == QDialog::Accepted); });
-    dialog->open();
+    // Nobody changes a record between the look and the saving.
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->show();
 }
 
 void StructureDesk::write(bool losesData)

@@ -1,5 +1,5 @@
 // The structure editor as a user works with it, in the real program.
-#include "../ui/WindowFixture.h"
+#include "app/ui/WindowFixture.h"
 
 #include "app/structure/StructureSaving.h"
 #include "app/ui/StructureDesk.h"

@@ -259,6 +259,7 @@ void FieldSheet::showItem(int id)
     setText(m_description, record.help);
     setText(m_rule, record.rule);
     setText(m_ruleText, record.ruleText);
+    m_type->setPlaceholderText(StructureEditing::typeText(record.type)); // of a type that is not offered any more
     m_type->setCurrentIndex(m_type->findData(record.type));
     setChecked(m_required, record.flags & data::Obligatoire);
     setChecked(m_unique, record.flags & data::Unique);
