@@ -21,6 +21,32 @@ namespace {
 const QString contentsPage = u"index"_s;
 const QString geometryKey = u"manuel/etat"_s;
 
+/// What the windows and tabs are about, by their classes; the nearest above the focus counts.
+const std::pair<const char*, QString> pagesOfClasses[] = {
+    {"editing::Listes", u"descripteurs"_s},
+    {"app::DescriptorWindow", u"descripteurs"_s},
+    {"editing::RecordEditorWindow", u"saisir"_s},
+    {"images::FoldersDialog", u"images"_s},
+    {"images::Thumbnails", u"images"_s},
+    {"images::Viewer", u"images"_s},
+    {"map::MapPanel", u"cartes"_s},
+    {"app::MapTab", u"cartes"_s},
+    {"query::ReplaceDialog", u"remplacer"_s},
+    {"query::ExpressionDialog", u"remplacer"_s},
+    {"query::QueryTab", u"requetes"_s},
+    {"reference::WizardLinks", u"liens"_s},
+    {"reference::TaxonBrowser", u"taxons"_s},
+    {"reference::PlaceBrowser", u"localites"_s},
+    {"reference::Form10", u"botanistes"_s},
+    {"app::StructureWindow", u"structure"_s},
+    {"app::ReviewDialog", u"structure"_s},
+    {"app::TrialWindow", u"structure"_s},
+    {"app::AccessReportDialog", u"anciens-projets"_s},
+    {"app::ImportWindow", u"importer"_s},
+    {"app::ManualWindow", u"index"_s},
+    {"app::GridTab", u"premiers-pas"_s},
+};
+
 /// The links of the contents page, in their order: file name without ".md", title.
 QList<std::pair<QString, QString>> linksOf(const QString& file)
 {
@@ -172,6 +198,10 @@ QString ManualWindow::pageFor(const QWidget* widget)
         const QString page = widget->property(pageProperty).toString();
         if (!page.isEmpty())
             return page;
+        for (const auto& [name, pageOfClass] : pagesOfClasses) {
+            if (widget->inherits(name))
+                return pageOfClass;
+        }
     }
     return contentsPage;
 }

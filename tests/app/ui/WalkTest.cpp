@@ -1,5 +1,6 @@
 // Every command of every window, with the demo project open and a user who declines whatever is asked.
 #include "app/ui/Desk.h"
+#include "app/ui/ManualWindow.h"
 #include "app/ui/Program.h"
 #include "support/Warnings.h"
 
@@ -238,6 +239,29 @@ TEST_F(Walk, EveryCommandOfTheMainWindow)
     EXPECT_GT(walked.size(), 60);
     EXPECT_TRUE(english.isEmpty()) << english.join(u'\n').toStdString();
     EXPECT_TRUE(program->session().isOpen());
+}
+
+/// F1 knows what the tab shown is about.
+TEST_F(Walk, TheManualOpensAtThePageOfTheTab)
+{
+    app::MainWindow& window = program->window();
+    struct Case {
+        QString key;
+        QString page;
+    };
+    for (const Case& c : {Case{u"Individus"_s, u"premiers-pas"_s}, Case{u"Lstaxons"_s, u"taxons"_s},
+                          Case{u"Lslocalités"_s, u"localites"_s}, Case{u"Lsbotanistes"_s, u"botanistes"_s}}) {
+        window.dock().view().setCurrentIndex(window.dock().model().indexOf(c.key));
+        EXPECT_TRUE(window.dock().commands().runDefault()) << c.key.toStdString();
+        settle();
+        EXPECT_EQ(app::ManualWindow::pageFor(window.documents().current()), c.page) << c.key.toStdString();
+    }
+    window.place().openQuery(u"Individus"_s, 0);
+    EXPECT_EQ(app::ManualWindow::pageFor(window.documents().current()), u"requetes"_s);
+    window.place().editRecords(u"1-Individus;1"_s);
+    settle();
+    ASSERT_EQ(others().size(), 1);
+    EXPECT_EQ(app::ManualWindow::pageFor(others().first()), u"saisir"_s);
 }
 
 /// The record editor and the structure editor, each command once more in a window that is open.
