@@ -83,7 +83,8 @@ CalibrationBar::CalibrationBar(MapCanvas& canvas, QWidget* parent) : QWidget(par
     connect(cancel, &QPushButton::clicked, this, &CalibrationBar::cancelled);
     connect(&m_canvas, &MapCanvas::marksChanged, this, [this] {
         showMarks();
-        propose(int(m_canvas.marks().size()) - 1);
+        for (int mark = 0; mark < m_canvas.marks().size(); ++mark)
+            propose(mark);
     });
 }
 
@@ -169,7 +170,7 @@ void CalibrationBar::takeMarks()
 /// What the calibration that stands says of a mark that was just set.
 void CalibrationBar::propose(int mark)
 {
-    if (mark < 0 || mark > 1 || !m_canvas.isCalibrated())
+    if (!m_canvas.isCalibrated())
         return;
     const Mark& fields = m_marks[size_t(mark)];
     const QPointF at = m_canvas.marks()[mark];

@@ -112,7 +112,8 @@ void MapPanel::showPoints(Points points)
     reloadMaps();
     const auto shown = [this] { return m_maps->currentData(Qt::UserRole + 1).toInt() > 0; };
     if (m_maps->count() > 0 && (!m_chosen || (any && !shown()))) {
-        m_chosen = m_map->LoadCarte(m_maps->itemData(0).toInt());
+        m_chosen = true; // one that cannot be loaded is said once
+        m_map->LoadCarte(m_maps->itemData(0).toInt());
         m_map->ZoomRégion();
         reloadMaps();
     }
@@ -138,6 +139,7 @@ void MapPanel::reloadMaps(qint32 shown)
     if (shown >= 0 && m_map->LoadCarte(shown))
         m_chosen = true;
     m_maps->setCurrentIndex(m_maps->findData(m_map->IDCarte()));
+    m_maps->setToolTip(m_maps->currentText());
     showActions();
 }
 
@@ -148,6 +150,7 @@ void MapPanel::chooseMap(int index)
     if (!m_busy && m_map->LoadCarte(id))
         m_map->ZoomExtend();
     m_maps->setCurrentIndex(m_maps->findData(m_map->IDCarte()));
+    m_maps->setToolTip(m_maps->currentText());
     showActions();
     m_map->setFocus();
 }
