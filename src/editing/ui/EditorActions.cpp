@@ -49,8 +49,8 @@ void EditorActions::makeAll()
     wztabs = make(u"wztabs"_s, {}, u"&Tous les champs"_s);
     prev = make(u"prev"_s, u"go-previous"_s, u"Enregistrement &précédent"_s, key(u"Alt+Left"_s));
     suiv = make(u"suiv"_s, u"go-next"_s, u"Enregistrement &suivant"_s, key(u"Alt+Right"_s));
-    oprev = make(u"oprev"_s, u"go-previous-view"_s, u"&Autres : précédent"_s, key(u"Alt+Shift+Left"_s));
-    osuiv = make(u"osuiv"_s, u"go-next-view"_s, u"A&utres : suivant"_s, key(u"Alt+Shift+Right"_s));
+    oprev = make(u"oprev"_s, u"arrow-left-double"_s, u"&Autres : précédent"_s, key(u"Alt+Shift+Left"_s));
+    osuiv = make(u"osuiv"_s, u"arrow-right-double"_s, u"A&utres : suivant"_s, key(u"Alt+Shift+Right"_s));
     list = make(u"list"_s, u"view-list-details"_s, u"&Liste des enregistrements…"_s, key(u"Ctrl+G"_s));
     modelSave = make(u"modelSave"_s, u"document-save-as"_s, u"&Enregistrer comme modèle…"_s);
     modelLoad = make(u"modelLoad"_s, u"document-open"_s, u"Appliquer &un modèle…"_s, key(u"Ctrl+M"_s));
