@@ -21,6 +21,7 @@ constexpr qint64 pieceSize = 64;     ///< Rows read at once for display.
 constexpr int piecesKept = 256;
 constexpr int wholeLook = 1000000000;
 constexpr int stoppedByUser = 3059;
+constexpr int deletedRecord = 3167;
 constexpr qint64 exportPiece = 1000; ///< The same for a file.
 constexpr int columnIndividu = 0;
 constexpr int columnItem = 1;
@@ -289,27 +290,24 @@ const Results::Row& Results::row(qint64 number)
         return *known;
     const qint64 begin = number - number % pieceSize;
     const qint64 end = std::min(begin + pieceSize, CountRow());
-    auto piece = std::make_unique<Piece>();
-    try {
-        *piece = read(begin, end);
-    } catch (const jet::Error& error) { // one of them was deleted meanwhile: the others stay readable
-        qCInfo(log).noquote() << error.description();
-        piece->clear();
-        for (qint64 at = begin; at < end; ++at)
-            piece->push_back(lone(at));
-    }
-    m_pieces.insert(number / pieceSize, piece.release());
+    m_pieces.insert(number / pieceSize, new Piece(readWhole(begin, end)));
     return *cached(number);
 }
 
-/// One row by itself; empty cells for a record that is no more.
-Results::Row Results::lone(qint64 number)
+/// The same, with empty cells for a record that was deleted meanwhile: the others stay readable.
+Results::Piece Results::readWhole(qint64 begin, qint64 end)
 {
     try {
-        return read(number, number + 1).front();
+        return read(begin, end);
     } catch (const jet::Error& error) {
-        qCDebug(log).noquote() << number << error.description();
-        return Row(size_t(m_columns.size()));
+        if (error.number() != deletedRecord)
+            throw;
+        if (end - begin == 1)
+            return Piece{Row(size_t(m_columns.size()))};
+        Piece piece;
+        for (qint64 at = begin; at < end; ++at)
+            piece.push_back(readWhole(at, at + 1).front());
+        return piece;
     }
 }
 
@@ -489,10 +487,9 @@ void Results::RefreshSelectedItems(const QList<qint32>& ids)
         m_wanted.clear();
 }
 
-RowTexts Results::copyTexts(platform::Progression* progression)
+RowTexts Results::copyTexts(const QList<qint64>& rows, platform::Progression* progression)
 {
     RowTexts texts;
-    const QList<qint64> rows = selectedRows();
     for (qsizetype at = 0; at < rows.size();) {
         qsizetype end = at + 1; // rows that follow each other are read at once
         while (end < rows.size() && rows[end] == rows[end - 1] + 1 && end - at < exportPiece)
@@ -501,7 +498,7 @@ RowTexts Results::copyTexts(platform::Progression* progression)
             jet::fail(stoppedByUser);
         if (progression)
             progression->step(u"Copie des lignes"_s, int(100 * at / rows.size()));
-        for (const Row& row : read(rows[at], rows[end - 1] + 1)) {
+        for (const Row& row : readWhole(rows[at], rows[end - 1] + 1)) {
             QStringList& cells = texts.emplace_back();
             for (int col = 0; col < Cols(); ++col)
                 cells << text(row, col);
@@ -513,7 +510,7 @@ RowTexts Results::copyTexts(platform::Progression* progression)
 
 QString Results::copyRows()
 {
-    return clipboardText(copyTexts());
+    return clipboardText(copyTexts(selectedRows()));
 }
 
 QString Results::textSelection() const { return u"Sel.  "_s + QString::number(CountSel()); }
@@ -538,12 +535,16 @@ bool Results::nextPiece(Piece& piece, qint64& number, platform::Progression* pro
         const bool known = m_complete && CountRow() > 0;
         progression->step(exportTitle, known ? int(100 * number / CountRow()) : -1);
     }
-    if (number > 0 && m_complete && !m_error && number >= CountRow())
-        return false;
-    m_rows->SetAbsolutePosition(number);
-    if (m_rows->EOF_())
-        return false;
-    piece = m_rows->GetRows(exportPiece);
+    if (number < CountRow()) {
+        piece = readWhole(number, std::min(number + exportPiece, CountRow()));
+    } else { // rows that nobody has looked for yet
+        if (m_complete && !m_error)
+            return false;
+        m_rows->SetAbsolutePosition(number);
+        if (m_rows->EOF_())
+            return false;
+        piece = m_rows->GetRows(exportPiece);
+    }
     number += qint64(piece.size());
     return !piece.empty();
 }

@@ -109,8 +109,8 @@ public:
     QList<qint64> selectedRows() const;
     /// Marks the rows of these records, also those that are found later.
     void RefreshSelectedItems(const QList<qint32>& ids);
-    /// Texts of the selected rows, past what is kept for showing. Throws jet::Error; 3059 when the user stopped it.
-    RowTexts copyTexts(platform::Progression* progression = nullptr);
+    /// Texts of these rows, past what is kept for showing. Throws jet::Error; 3059 when the user stopped it.
+    RowTexts copyTexts(const QList<qint64>& rows, platform::Progression* progression = nullptr);
     QString copyRows(); ///< The selected rows as CopyRowSel puts them on the clipboard.
 
     // --- Status panels -----------------------------------------------------------------------
@@ -130,7 +130,7 @@ private:
     const Row& row(qint64 number);
     Piece read(qint64 begin, qint64 end);
     QString text(const Row& row, int col) const;
-    Row lone(qint64 number);
+    Piece readWhole(qint64 begin, qint64 end);
     QList<qint32> individusOf(const QList<qint64>& rows);
     qint32 currentItem() const;
     bool nextPiece(Piece& piece, qint64& number, platform::Progression* progression);

@@ -110,6 +110,31 @@ TEST_F(QueryTest, RecordsOfAModuleAreSelectedWithTheirIndividuals)
     EXPECT_EQ(results.SelectedIndividus(), u"2,1,1"_s);
 }
 
+TEST_F(QueryTest, RowsAreFoundBitByBitAndRecordsThatGoLeaveTheOthers)
+{
+    fillMany(project.db(), 300);
+    Results results(project.db());
+    ASSERT_TRUE(results.open(many));
+    EXPECT_EQ(results.CountRow(), 1) << "one row is enough to show something";
+    EXPECT_FALSE(results.isComplete());
+    EXPECT_EQ(results.TextMatrix(0, 1), u"1"_s);
+    EXPECT_EQ(results.textCount(), u"1+ Ligne(s)"_s);
+    results.RefreshSelectedItems({1, 250}); // the second is not found yet
+    Results::Found found = results.look(100000);
+    EXPECT_EQ(results.CountRow(), 1) << "nothing is shown before it is taken";
+    results.take(std::move(found));
+    EXPECT_EQ(results.textCount(), u"300 Ligne(s)"_s);
+    EXPECT_EQ(results.SelectedItems(), u"1,250"_s);
+    project.db().Execute(u"DELETE * FROM Grand WHERE [ID Grand] IN (2,250)"_s);
+    results.forgetValues();
+    EXPECT_EQ(results.rowTexts(1), (QStringList{QString(), QString()}));
+    EXPECT_EQ(results.rowTexts(2), (QStringList{u"3"_s, u"3"_s}));
+    EXPECT_EQ(results.copyRows(), u"\"1\";\"1\"\r\n\"\";\"\"\r\n"_s);
+    const QString file = project.path(u"sortie.csv"_s);
+    EXPECT_TRUE(results.ExportCSV(project.dialogues, file));
+    EXPECT_EQ(bytesOf(file).count("\r\n"), 301);
+}
+
 TEST_F(QueryTest, AStatementThatFailsLeavesNothing)
 {
     Results results(project.db());

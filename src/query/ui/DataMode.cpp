@@ -293,9 +293,9 @@ void DataMode::copy(bool headers)
     if (!results || results->CountSel() == 0)
         return;
     auto texts = std::make_shared<RowTexts>();
-    const auto read = [results, texts](platform::Progression& progression) {
+    const auto read = [results, texts, rows = results->selectedRows()](platform::Progression& progression) {
         const Cancellable running(*results->database(), progression);
-        *texts = results->copyTexts(&progression);
+        *texts = results->copyTexts(rows, &progression);
     };
     const QPointer<DataMode> self(this);
     const auto done = [self, results, texts, headers](std::exception_ptr failure) {

@@ -649,6 +649,7 @@ void QueryTab::updateActions()
     const QueryActions& actions = *m_actions;
     actions[u"rename"_s]->setEnabled(m_query->id() > 0);
     actions[u"export"_s]->setEnabled(rows);
+    actions[u"replace"_s]->setEnabled(!m_around.world.database.readOnly());
     for (const QString& name : {u"toself"_s, u"open"_s, u"selectnone"_s})
         actions[name]->setEnabled(selected);
     actions[u"selectinverse"_s]->setEnabled(rows);

@@ -419,10 +419,19 @@ qint32 ResultPane::currentRecord() const
 
 void ResultPane::hideColumn(int column)
 {
+    const QString header = hasResult() ? m_run.results()->HeaderColumn(column) : QString();
+    if (header.isEmpty())
+        return;
+    m_hidden << header;
+    m_run.whenIdle([this] { showColumns(); }); // an export may be at them
+}
+
+void ResultPane::showColumns()
+{
     if (!hasResult())
         return;
-    m_hidden << m_run.results()->HeaderColumn(column);
-    m_run.results()->RemoveCol(column);
+    m_run.results()->showAllCols();
+    applyHidden();
     m_data->rowsReplaced();
     Q_EMIT stateChanged();
 }
@@ -438,11 +447,7 @@ void ResultPane::applyHidden()
 void ResultPane::showHiddenColumns()
 {
     m_hidden.clear();
-    if (!hasResult())
-        return;
-    m_run.results()->showAllCols();
-    m_data->rowsReplaced();
-    Q_EMIT stateChanged();
+    m_run.whenIdle([this] { showColumns(); });
 }
 
 QString ResultPane::statement(const QString& mode) const

@@ -89,6 +89,7 @@ private:
     void activate(const ResultSelection& selection);
     void returnToRecord();
     void applyHidden();
+    void showColumns();
 
     ResultRun m_run;
     QList<ResultModeFactory> m_factories;
