@@ -285,6 +285,7 @@ editing::RecordEditorWindow& EditorDesk::makeWindow()
     around.remembered = [this](const QString& key) { return place().state().value(key); };
     around.remember = [this](const QString& key, const QVariant& value) { place().state().setValue(key, value); };
     around.makePictures = makePictures;
+    around.pictureNames = pictureNames;
     project.window = std::make_unique<editing::RecordEditorWindow>(*project.editing, around);
     project.window->setWindowIcon(programIcon());
     return *project.window;

@@ -32,6 +32,8 @@ public:
     editing::RecordEditorWindow* window() const;
     /// Makes what the tab "Viewer" shows; empty: no such tab. To be set before a project is opened.
     std::function<editing::PicturePane*(QWidget* owner)> makePictures;
+    /// How picture files that were picked are kept; empty: by their paths. To be set as early.
+    std::function<QStringList(const QStringList& files)> pictureNames;
 
 private:
     struct Project;

@@ -9,9 +9,17 @@
 #include "images/ui/FoldersDialog.h"
 #include "query/ui/PictureMode.h"
 
+#include <QFileInfo>
+
 namespace app {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString titleFolders = u"Dossiers des images"_s;
+
+} // namespace
 
 query::PictureWorld pictureWorld(Workplace& place)
 {
@@ -21,6 +29,7 @@ query::PictureWorld pictureWorld(Workplace& place)
 
 PictureDesk::PictureDesk(Workplace& place, EditorDesk& editor) : Desk(place), m_editor(editor)
 {
+    m_editor.pictureNames = [this](const QStringList& files) { return namesOf(files); };
     m_editor.makePictures = [&place](QWidget* owner) { return new PictureTab(place, owner); };
 }
 
@@ -67,6 +76,30 @@ void PictureDesk::editFolders()
     dialog->open();
 }
 
+QStringList PictureDesk::namesOf(const QStringList& files)
+{
+    QStringList folders = images::imageFolders(session().properties());
+    QStringList outside;
+    for (const QString& file : files) {
+        const QString folder = QFileInfo(file).absolutePath();
+        if (QFileInfo(file).isAbsolute() && images::storedName(file, folders) == file && !folders.contains(folder)
+            && !outside.contains(folder))
+            outside << folder;
+    }
+    const QString question = u"Le répertoire "_s + outside.join(u", "_s)
+                             + u" n'est pas déclaré pour la recherche des images.\nVoulez-vous l'ajouter ?"_s;
+    if (!outside.isEmpty() && !session().readOnly() && !place().runner().isRunning()
+        && place().dialogues().confirm(question, titleFolders)) {
+        folders += outside;
+        images::setImageFolders(session().properties(), folders);
+        place().thumbnails()->setFolders(folders);
+    }
+    QStringList names;
+    for (const QString& file : files)
+        names << images::storedName(file, folders);
+    return names;
+}
+
 void PictureDesk::takeFolders(const QStringList& folders)
 {
     if (!isOpen())
@@ -84,7 +117,7 @@ void PictureDesk::takeFolders(const QStringList& folders)
         place().thumbnails()->setFolders(folders);
         place().written({}); // pictures may be found now, wherever they are shown
     } catch (const jet::Error& error) {
-        place().fail(u"Dossiers des images"_s, error.description());
+        place().fail(titleFolders, error.description());
     }
 }
 

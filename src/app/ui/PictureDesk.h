@@ -27,6 +27,9 @@ public:
 
     /// Shows the dialog of the folders.
     void editFolders();
+    /// How picked files are kept: relative to a folder where possible. For files outside of every folder their own are
+    /// offered to be declared.
+    QStringList namesOf(const QStringList& files);
 
 private:
     void takeFolders(const QStringList& folders);

@@ -54,6 +54,7 @@ void PictureDesk::photograph(Photographer& photographer)
     if (auto* tab = qobject_cast<query::QueryTab*>(place().documents().current())) {
         tab->execute();
         photographer.settle([tab] { return tab->pane().hasResult() && tab->pane().isComplete(); });
+        tab->actions()[u"definition"_s]->setChecked(false);
         tab->pane().setMode(u"picture"_s);
         auto* mode = tab->findChild<query::PictureMode*>();
         photographer.settle([this, mode] { return !mode || (!mode->isLoading() && place().thumbnails()->isIdle()); });

@@ -420,7 +420,7 @@ void RecordEditorWindow::finishTyping()
 void RecordEditorWindow::takeFiles(Cl_Edition& field, const QStringList& files)
 {
     if (EditedRecord* record = recordOf(field))
-        m_editing.addFiles(*record, field.champ(), files);
+        m_editing.addFiles(*record, field.champ(), m_around.pictureNames ? m_around.pictureNames(files) : files);
 }
 
 /// Of the module of the node chosen: under the record that a group stands under, beside a record.

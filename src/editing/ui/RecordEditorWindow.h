@@ -34,6 +34,8 @@ struct EditorSurroundings {
     std::function<void(const QString& key, const QVariant&)> remember = {};
     /// Makes the pane of the tab "Viewer"; empty: the tab is hidden.
     std::function<PicturePane*(QWidget* owner)> makePictures = {};
+    /// How picture files that were picked are kept; empty: by their paths.
+    std::function<QStringList(const QStringList& files)> pictureNames = {};
     ReferenceChooser* chooser = nullptr; ///< Null: names are completed, no tree is opened.
 };
 

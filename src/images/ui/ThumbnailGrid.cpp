@@ -253,6 +253,11 @@ void ThumbnailGrid::paintEvent(QPaintEvent* event)
     painter.fillRect(event->rect(), m_background.isValid() ? QBrush(m_background) : palette().base());
     if (!m_source)
         return;
+    if (m_count == 0) {
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(viewport()->rect(), Qt::AlignCenter, u"Aucune image"_s);
+        return;
+    }
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const auto [begin, end] = inSight();
     for (qsizetype position = begin; position < end; ++position) {
