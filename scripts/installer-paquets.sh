@@ -22,7 +22,7 @@ paquets_du_groupe() {
         ;;
     test)
         echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n sqlite3 file \
-            gdal-bin gpsbabel libreoffice-calc libxml2-utils mdbtools
+            gdal-bin gpsbabel libreoffice-calc libxml2-utils poppler-utils mdbtools
         ;;
     bench) echo libbenchmark-dev gdal-bin mdbtools ;;
     fuzz) echo clang "libclang-rt-dev|libclang-rt-14-dev" llvm ;;

@@ -1,6 +1,7 @@
 #include "Operation.h"
 
 #include "AccessOperations.h"
+#include "ImportOperations.h"
 #include "MapOperations.h"
 #include "Project.h"
 #include "QueryOperations.h"
@@ -476,6 +477,9 @@ const std::vector<Operation>& operations()
     static const std::vector<Operation> all = [] {
         std::vector<Operation> rows = table;
         for (const Operation& row : mapOperations()) {
+            rows.push_back(row);
+        }
+        for (const Operation& row : importOperations()) {
             rows.push_back(row);
         }
         for (const Operation& row : accessOperations()) {

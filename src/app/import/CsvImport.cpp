@@ -48,7 +48,9 @@ public:
     {
         if (!m_file)
             return {};
-        said(m_file->commit());
+        if (const QString error = m_file->commit(); !error.isEmpty())
+            throw jet::Error(unwritableError, u"Les lignes ont été importées, mais celles qui ont été refusées n'ont pas pu être écrites dans « %1 » : %2"_s
+                                                  .arg(m_path, error));
         return m_path;
     }
 

@@ -19,7 +19,7 @@ namespace {
 constexpr qsizetype mostNear = 10;
 constexpr qsizetype mostKept = 50'000;
 constexpr qsizetype shortestBeginning = 3;
-const QString noFamily = u"Incertae sedis"_s;
+const QString noFamily = u"Incertae Sedis"_s;
 
 const QStringList& rankMarks()
 {

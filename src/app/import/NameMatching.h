@@ -84,7 +84,7 @@ private:
 };
 
 /// Adds names to the reference lists by the rules of their classes. A species brings its genus along, a genus without a
-/// family goes under "Incertae sedis", from where it can be moved.
+/// family goes under "Incertae Sedis", from where it can be moved.
 class NameCreation {
 public:
     /// The world's dialogues are replaced by quiet ones.

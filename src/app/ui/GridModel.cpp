@@ -35,22 +35,6 @@ QString yesNo(const QVariant& value)
     return value.toBool() ? u"Oui"_s : u"Non"_s;
 }
 
-QString shownText(const QVariant& value, int type)
-{
-    if (!value.isValid())
-        return {};
-    const QLocale locale;
-    if (value.typeId() == QMetaType::Bool)
-        return yesNo(value);
-    if (type == data::Longitude || type == data::Latitude)
-        return locale.toString(value.toDouble(), 'f', 5);
-    if (value.typeId() == QMetaType::Double)
-        return locale.toString(value.toDouble(), 'f', QLocale::FloatingPointShortest);
-    if (type == data::Entier)
-        return locale.toString(value.toLongLong());
-    return value.toString();
-}
-
 /// While it lives, a statement of the database stops when the user wants to. Interrupting the database itself
 /// would stop the half-read rows of other grids too.
 class Cancellable {
@@ -266,6 +250,22 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
     if (role == Qt::TextAlignmentRole)
         return int((isNumeric(column.type) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     return {};
+}
+
+QString GridModel::shownText(const QVariant& value, int type)
+{
+    if (!value.isValid())
+        return {};
+    const QLocale locale;
+    if (value.typeId() == QMetaType::Bool)
+        return yesNo(value);
+    if (type == data::Longitude || type == data::Latitude)
+        return locale.toString(value.toDouble(), 'f', 5);
+    if (value.typeId() == QMetaType::Double)
+        return locale.toString(value.toDouble(), 'f', QLocale::FloatingPointShortest);
+    if (type == data::Entier)
+        return locale.toString(value.toLongLong());
+    return value.toString();
 }
 
 QString GridModel::copyText(const QVariant& value, int type)

@@ -44,7 +44,9 @@ public:
 
     /// The rows themselves, for work on many of them; nullptr when there are none.
     std::shared_ptr<GridRows> rows() const { return m_rows; }
-    /// The text of a value as it is copied: whole, numbers with the decimal comma and without grouping.
+    /// The text of a value as the grid shows it.
+    static QString shownText(const QVariant& value, int type);
+    /// As it is copied: whole, numbers with the decimal comma and without grouping.
     static QString copyText(const QVariant& value, int type);
 
 Q_SIGNALS:

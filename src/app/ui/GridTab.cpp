@@ -3,6 +3,7 @@
 #include "app/Session.h"
 #include "app/ui/GridCopy.h"
 #include "app/ui/Icons.h"
+#include "platform/ui/PrintPreview.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -191,7 +192,7 @@ bool GridTab::can(platform::TabCommand command) const
 {
     using enum platform::TabCommand;
     return command == Copy || command == CopyWithHeaders || command == SelectAll || command == Refresh
-           || command == FitColumns;
+           || command == FitColumns || command == Print;
 }
 
 void GridTab::run(platform::TabCommand command)
@@ -207,6 +208,8 @@ void GridTab::run(platform::TabCommand command)
         return m_model->load();
     case FitColumns:
         return fitColumns();
+    case Print:
+        return print();
     default:
         return;
     }
@@ -350,6 +353,37 @@ void GridTab::copy(bool headers)
     } catch (const jet::Error&) {
         done(std::current_exception());
     }
+}
+
+void GridTab::print()
+{
+    const auto rows = m_model->rows();
+    if (!rows || m_runner.isRunning())
+        return;
+    platform::PrintTable table{source().title, {}, {}};
+    const QList<int> columns = shownColumns();
+    for (const int column : columns) {
+        const int side = m_model->headerData(column, Qt::Horizontal, Qt::TextAlignmentRole).toInt();
+        table.columns.append({source().columns.at(column).header, (side & Qt::AlignRight) != 0});
+    }
+    try {
+        while (!rows->complete())
+            rows->advance(100);
+    } catch (const jet::Error& error) {
+        return Q_EMIT failed(error.description());
+    }
+    table.rows = [rows, columns, source = source()](qint64 first, int count) {
+        QList<platform::PrintRow> read;
+        for (const GridRows::Row& row : first < rows->known() ? rows->read(first, count) : std::vector<GridRows::Row>()) {
+            platform::PrintRow line;
+            for (const int column : columns)
+                line.cells << GridModel::shownText(row.at(size_t(column)), source.columns.at(column).type);
+            read << line;
+        }
+        return read;
+    };
+    const Surroundings& world = m_session.surroundings();
+    platform::printTable(table, rows->known(), {world.dialogues, m_runner, world.clock.now(), window()});
 }
 
 // --- Widths and order of the columns ---------------------------------------------------------------

@@ -38,6 +38,8 @@ public:
 
     /// Puts the selected rows on the clipboard; many of them are read beside the windows.
     void copy(bool headers);
+    /// Every row with the columns that are shown, in the order in which they are.
+    void print();
     void selectAll();
     void fitColumns();
     /// Identifiers of the selected rows, in their order.

@@ -6,6 +6,7 @@
 #include "app/ui/Desk.h"
 #include "app/ui/EditorDesk.h"
 #include "app/ui/Icons.h"
+#include "app/ui/ImportDesk.h"
 #include "app/ui/MapDesk.h"
 #include "app/ui/ManualWindow.h"
 #include "app/ui/PictureDesk.h"
@@ -145,6 +146,7 @@ void MainWindow::makeDesks()
     m_desks.push_back(std::make_unique<QueryDesk>(*m_place));
     m_desks.push_back(std::make_unique<ReferenceDesk>(*m_place));
     m_desks.push_back(std::make_unique<AccessDesk>(*m_place, *m_commands));
+    m_desks.push_back(std::make_unique<ImportDesk>(*m_place));
     m_desks.push_back(std::make_unique<StructureDesk>(*m_place, *m_commands));
     for (const std::unique_ptr<Desk>& desk : m_desks)
         desk->install(*menuBar(), m_dock->commands());

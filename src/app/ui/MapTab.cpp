@@ -7,6 +7,8 @@
 #include "map/PointLoading.h"
 #include "map/ui/Cartographie.h"
 #include "map/ui/MapPanel.h"
+#include "platform/ui/PrintPreview.h"
+#include "platform/ui/RecordPrinter.h"
 
 #include <QPointer>
 #include <QSpinBox>
@@ -112,7 +114,7 @@ bool MapTab::can(platform::TabCommand command) const
     using enum platform::TabCommand;
     if (command == SelectAll || command == ExportRows)
         return !m_panel->map().points().isEmpty();
-    return command == Refresh;
+    return command == Refresh || command == Print;
 }
 
 void MapTab::run(platform::TabCommand command)
@@ -124,6 +126,17 @@ void MapTab::run(platform::TabCommand command)
         m_panel->map().SaveToCSV();
     else if (command == Refresh)
         load();
+    else if (command == Print)
+        print();
+}
+
+void MapTab::print()
+{
+    // The picture has its legend on it, as it is seen.
+    const platform::PrintPicture picture{u"Carte - %1"_s.arg(m_place.session().projectName()), m_panel->map().PictureView(), {statusText()}};
+    const QDateTime time = m_place.session().surroundings().clock.now();
+    platform::preview({picture.title, [picture, time](QPagedPaintDevice& device) { platform::printPicture(device, picture, time); }},
+                      m_place.dialogues(), window());
 }
 
 void MapTab::recordsWritten(const QStringList& modules)

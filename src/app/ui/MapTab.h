@@ -36,6 +36,7 @@ public:
 private:
     void load();
     void adopt(const map::LoadedPoints& loaded);
+    void print(); ///< The map as it is seen.
     void showIndividuals(const QList<qint32>& localities);
 
     Workplace& m_place;

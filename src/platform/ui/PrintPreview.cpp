@@ -101,7 +101,7 @@ void saveLongTable(const PrintTable& table, const PrintWorld& world)
                     throw Stopped();
             });
         } catch (const Stopped&) {
-            *error = {}; // the user knows
+            error->clear(); // the user knows
         } catch (const std::exception& failure) {
             *error = QString::fromUtf8(failure.what());
         }

@@ -3,6 +3,7 @@
 #include "editing/FormDialogue.h"
 #include "query/Cancellable.h"
 #include "query/ui/ReplaceDialog.h"
+#include "query/ui/ResultPrinting.h"
 
 #include <QCheckBox>
 #include <QPointer>
@@ -573,6 +574,15 @@ void QueryTab::exportRows()
                            [] {}, u"Exportation CSV"_s});
 }
 
+void QueryTab::print()
+{
+    m_pane->run().whenIdle([self = QPointer(this)] {
+        if (self && self->m_pane->hasResult())
+            printResults(*self->m_pane->results(), self->title(),
+                         {self->m_around.world.dialogues, self->m_around.runner, self->m_around.world.clock.now(), self->window()});
+    });
+}
+
 void QueryTab::replace()
 {
     m_pane->run().whenIdle([self = QPointer(this)] {
@@ -668,6 +678,8 @@ bool QueryTab::can(platform::TabCommand command) const
         return true;
     if (command == ExportRows)
         return (*m_actions)[u"export"_s]->isEnabled();
+    if (command == Print)
+        return m_pane->hasResult() && m_pane->results()->CountRow() > 0 && m_pane->shownMode().key() == u"data";
     return m_pane->shownMode().can(command);
 }
 
@@ -680,6 +692,8 @@ void QueryTab::run(platform::TabCommand command)
         return execute();
     if (command == ExportRows)
         return exportRows();
+    if (command == Print)
+        return print();
     if (command == Find) {
         showDefinition(true);
         return m_fields->searchLine().setFocus(Qt::ShortcutFocusReason);

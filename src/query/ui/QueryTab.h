@@ -99,6 +99,7 @@ private:
     void addFilters(QMenu& menu, const QString& alias, const QString& value);
     void statistics();
     void exportRows();
+    void print();
     void replace();
     void save();
     void takeOwnText();

@@ -1,0 +1,96 @@
+#include "app/Session.h"
+#include "app/ui/import/ImportWindow.h"
+#include "platform/ui/PrintPreview.h"
+#include "../ui/WindowFixture.h"
+
+#include <QProcess>
+
+namespace app {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class ImportWindowTest : public support::WindowTest {
+protected:
+    ImportWindow* open(const QByteArray& table)
+    {
+        makeProject();
+        openProject();
+        QFile file(path(u"tableau.csv"_s));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(table);
+        file.close();
+        trigger(u"importCsv"_s);
+        auto* window = widget<ImportWindow>(u"importTableau"_s);
+        window->filePage().setTarget(u"Individus"_s);
+        dialogues.expectOpenFile(u"Importer un tableau"_s, u"Tableaux (*.csv *.txt *.tsv)|*.csv;*.txt;*.tsv|Tous les fichiers (*)|*|"_s,
+                                 file.fileName());
+        window->findChild<QPushButton*>(u"importParcourir"_s)->click();
+        return window;
+    }
+    void next(ImportWindow* window, ImportWindow::Step expected)
+    {
+        QTest::keyClick(window, Qt::Key_Return); // the default button
+        settle();
+        EXPECT_EQ(window->step(), expected);
+    }
+};
+
+TEST_F(ImportWindowTest, WalksFromTheFileToTheResultByKeyboard)
+{
+    ImportWindow* window = open("Numéro;Collecteur;Altitude\nIMP1;Nouvelle Personne;12,5\nIMP2;;haut\n");
+    EXPECT_EQ(window->findChild<QTableWidget*>(u"importApercu"_s)->item(0, 2)->text(), u"12,5"_s);
+    next(window, ImportWindow::Columns);
+    EXPECT_EQ(window->columnsPage().mapping(), ColumnMapping({u"Numéro"_s, u"ID Collecteurs"_s, u"Altitude"_s}));
+    next(window, ImportWindow::Names);
+    auto* decision = window->findChild<QComboBox*>(u"importDecision0"_s);
+    ASSERT_TRUE(decision);
+    decision->setCurrentIndex(1); // create
+    next(window, ImportWindow::Rehearsal);
+    EXPECT_TRUE(window->report().contains(u"Enregistrements à ajouter : 1"_s)) << window->report().toStdString();
+    const auto count = [&] {
+        const auto rows = program->session().database().OpenRecordset(u"SELECT [Numéro] FROM Individus WHERE [Numéro] LIKE \"IMP*\""_s);
+        return rows->EOF_() ? QString() : rows->Value(0).toString();
+    };
+    EXPECT_EQ(count(), QString());
+    next(window, ImportWindow::Result);
+    EXPECT_EQ(count(), u"IMP1"_s);
+    EXPECT_TRUE(window->report().contains(u"tableau.refus.csv"_s));
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ImportWindowTest, AFieldIsFilledByOneColumnAndProblemsKeepFromGoingOn)
+{
+    ImportWindow* window = open("Numéro;Code\nA;B\n");
+    next(window, ImportWindow::Columns);
+    auto* second = window->findChild<QComboBox*>(u"importChamp1"_s);
+    second->setCurrentIndex(second->findData(u"Numéro"_s));
+    EXPECT_EQ(window->columnsPage().mapping(), ColumnMapping({{}, u"Numéro"_s}));
+    second->setCurrentIndex(0);
+    EXPECT_FALSE(window->findChild<QPushButton*>(u"importSuivant"_s)->isEnabled());
+    EXPECT_FALSE(window->findChild<QLabel*>(u"importProbleme"_s)->text().isEmpty());
+}
+
+TEST_F(ImportWindowTest, AGridIsPreviewedAndSavedAsPdf)
+{
+    makeProject();
+    openProject();
+    GridTab* grid = openRecords(u"Individus"_s);
+    ASSERT_TRUE(grid);
+    trigger(u"print"_s);
+    auto* preview = widget<platform::PrintPreview>(u"apercuImpression"_s);
+    dialogues.expectSaveFile(u"Enregistrer en PDF"_s, u"Documents PDF (*.pdf)|*.pdf|"_s, path(u"liste.pdf"_s));
+    preview->saveAsPdf();
+    QProcess reader;
+    reader.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, path(u"liste.pdf"_s), u"-"_s});
+    ASSERT_TRUE(reader.waitForFinished());
+    const QString text = QString::fromUtf8(reader.readAll());
+    EXPECT_TRUE(text.contains(grid->title()) && text.contains(u"Page 1 sur 1"_s)) << text.toStdString();
+    for (const QString& row : shown(*grid, {u"Numéro"_s}))
+        EXPECT_TRUE(text.contains(row)) << row.toStdString();
+    preview->close();
+}
+
+} // namespace
+} // namespace app
