@@ -22,9 +22,9 @@ paquets_du_groupe() {
         ;;
     test)
         echo breeze-icon-theme fonts-dejavu-core qt6-translations-l10n sqlite3 file \
-            gdal-bin gpsbabel libreoffice-calc libxml2-utils poppler-utils mdbtools
+            gdal-bin gpsbabel libreoffice-calc libxml2-utils poppler-utils mdbtools libimage-exiftool-perl
         ;;
-    bench) echo libbenchmark-dev gdal-bin mdbtools ;;
+    bench) echo libbenchmark-dev gdal-bin mdbtools libimage-exiftool-perl libvips-tools imagemagick ;;
     fuzz) echo clang "libclang-rt-dev|libclang-rt-14-dev" llvm ;;
     format) echo clang-format git ;;
     tidy) echo clang-tidy git ;;

@@ -121,6 +121,14 @@ const char* writtenKey(int tag)
     }
 }
 
+void forget(Exiv2::ExifData& data, int tag)
+{
+    for (auto datum = data.begin(); datum != data.end();) {
+        const bool stands = datum->tag() == tag && (datum->groupName() == "Image" || datum->groupName() == "Photo");
+        datum = stands ? data.erase(datum) : std::next(datum);
+    }
+}
+
 QByteArray fileBytes(const QString& path)
 {
     QFile file(path);
@@ -250,7 +258,11 @@ bool Cl_Exif::SetExifData(int tag, const QVariant& value)
         text = value.toString().toLatin1();
     }
     try {
-        m_picture->exif[key] = text.toStdString(); // an ASCII value counts its closing zero
+        Exiv2::AsciiValue ascii; // counts its closing zero
+        ascii.read(text.toStdString());
+        // What stands there may be of another type, or in the other directory, where it would be read first.
+        forget(m_picture->exif, tag);
+        m_picture->exif[key].setValue(&ascii);
         return true;
     } catch (const std::exception& error) {
         qCDebug(exifLog).noquote() << "tag" << tag << error.what();

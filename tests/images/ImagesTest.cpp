@@ -167,6 +167,29 @@ TEST(Exif, AnotherProgramReadsWhatWasWrittenAndKept)
     EXPECT_EQ(support::exiftoolText({u"-warning"_s, u"-error"_s, u"-s3"_s, after}), QString());
 }
 
+/// Some programs write texts as bytes, or the date where another directory has it.
+TEST(Exif, WritesOverPropertiesOfAnotherType)
+{
+    // A big-endian directory: the description as two bytes, the date as a number in the directory of the picture.
+    const QByteArray tiff = QByteArray::fromHex("4d4d002a00000008" "0002" "010e000100000002" "41420000" "9003000300000001" "00070000" "00000000");
+    QByteArray picture = QByteArray::fromHex("ffd8ffe1") + QByteArray(1, '\0') + QByteArray(1, char(tiff.size() + 8))
+                         + QByteArray("Exif\0\0", 6) + tiff;
+    QTemporaryDir folder;
+    picture += support::bytesOf(support::drawing(folder.filePath(u"x.jpg"_s))).mid(2);
+    Cl_Exif exif;
+    QVariant value;
+    ASSERT_TRUE(exif.OpenBytes(picture));
+    ASSERT_TRUE(exif.GetExifData(270, value));
+    EXPECT_EQ(value.toByteArray(), "AB");
+    const QDateTime date(QDate(2001, 3, 6), QTime(14, 5, 9));
+    EXPECT_TRUE(exif.SetExifData(270, u"texte"_s));
+    EXPECT_TRUE(exif.SetExifData(36867, date));
+    EXPECT_TRUE(exif.GetExifData(270, value));
+    EXPECT_EQ(value.toString(), u"texte"_s);
+    EXPECT_TRUE(exif.GetExifData(36867, value));
+    EXPECT_EQ(value.toDateTime(), date);
+}
+
 TEST(Calibration, LivesInTheRowOfThePicture)
 {
     support::TestProject project;
