@@ -75,6 +75,7 @@ private:
     bool editNew(qint32 parent, int rank, const QString& name);
     int rankOfForm(const editing::Cl_Editions& form) const;
     qint32 parentOfForm(const editing::Cl_Editions& form, int rank) const;
+    qint32 saveWithNames(const editing::Cl_Editions& form, qint32 id, int rank, qint32 parent);
     qint32 writeForm(const editing::Cl_Editions& form, qint32 id, int rank, qint32 parent);
 };
 

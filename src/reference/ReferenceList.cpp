@@ -2,9 +2,17 @@
 
 #include "jet/SqlText.h"
 
+#include <QLoggingCategory>
+
 namespace reference {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+Q_LOGGING_CATEGORY(listLog, "herbora.reference")
+
+} // namespace
 
 ReferenceList::ReferenceList(const ReferenceContext& context, const QString& table)
     : m_context(context), m_table(table)
@@ -13,7 +21,22 @@ ReferenceList::ReferenceList(const ReferenceContext& context, const QString& tab
 
 ReferenceList::~ReferenceList() = default;
 
+/// What reads a name for a window must not throw; what is about to write stops at a row that cannot be read.
 bool ReferenceList::position(qint32 id) const
+{
+    try {
+        return seek(id);
+    } catch (const jet::Error& error) {
+        m_current = 0;
+        m_rows.reset();
+        if (m_context.database.inOperation())
+            throw;
+        qCWarning(listLog).noquote() << m_table << id << error.number() << error.description();
+        return false;
+    }
+}
+
+bool ReferenceList::seek(qint32 id) const
 {
     m_current = 0;
     if (id <= 0)

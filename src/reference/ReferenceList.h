@@ -44,7 +44,8 @@ Q_SIGNALS:
     void TableModified(const QString& name); ///< The table was modified as a whole.
 
 protected:
-    /// Puts the current record on a row; false when there is none (then there is no current record).
+    /// Puts the current record on a row; false when there is none (then there is no current record). Outside an operation
+    /// a row that cannot be read counts as none.
     bool position(qint32 id) const;
     qint32 current() const { return m_current; }
     QVariant value(const QString& column) const; ///< Of the current record; Null without one.
@@ -62,6 +63,8 @@ protected:
     int m_failure = 0;
 
 private:
+    bool seek(qint32 id) const;
+
     QString m_table;
     mutable qint32 m_current = 0;
     mutable std::unique_ptr<jet::Recordset> m_rows;

@@ -140,6 +140,27 @@ qint32 Cl_Taxon::writeForm(const editing::Cl_Editions& form, qint32 id, int rank
     return saved;
 }
 
+/// The row with its full name and those under it, as one. Where the names alone cannot be made anew the row stays saved.
+qint32 Cl_Taxon::saveWithNames(const editing::Cl_Editions& form, qint32 id, int rank, qint32 parent)
+{
+    QString problem;
+    jet::Operation operation(m_context.database, u"Enregistrement d'un taxon"_s);
+    const qint32 saved = writeForm(form, id, rank, parent);
+    try {
+        jet::Operation names(m_context.database, u"Nom complet des taxons"_s);
+        RefrsNomComplet(saved);
+        names.commit();
+    } catch (const jet::Error& error) {
+        problem = u"Erreur N°"_s + QString::number(error.number())
+                  + u"\r\nImpossibilité de reconstruire le nom complet du Taxon et de ses parents\r\n"
+                    "Merci de reporter ce Bug en indiquant le plus précisément le contexte"_s;
+    }
+    operation.commit();
+    if (!problem.isEmpty())
+        m_context.dialogues.tell(problem, u"Bug dans la gestion de la taxinomie"_s, platform::BoxIcon::Stop);
+    return saved;
+}
+
 bool Cl_Taxon::Save(editing::Cl_Editions& form)
 {
     m_failure = 0;
@@ -161,18 +182,7 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
             position(id);
             return false;
         }
-        const qint32 saved = writeForm(form, id, rank, parent);
-        try {
-            jet::Operation operation(m_context.database, u"Nom complet des taxons"_s);
-            RefrsNomComplet(saved);
-            operation.commit();
-        } catch (const jet::Error& error) {
-            m_failure = error.number();
-            m_context.dialogues.tell(u"Erreur N°"_s + QString::number(error.number())
-                                         + u"\r\nImpossibilité de reconstruire le nom complet du Taxon et de ses parents\r\n"
-                                           "Merci de reporter ce Bug en indiquant le plus précisément le contexte"_s,
-                                     u"Bug dans la gestion de la taxinomie"_s, platform::BoxIcon::Stop);
-        }
+        const qint32 saved = saveWithNames(form, id, rank, parent);
         editing::Cl_Editions fresh(m_context.editing);
         FillTabEdit(fresh, saved, parent);
         takeOver(form, fresh);

@@ -178,8 +178,11 @@ Botaniste::Botaniste(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
     m_view->verticalHeader()->hide();
     m_view->verticalHeader()->setDefaultSectionSize(m_view->fontMetrics().height() + 8);
     m_view->horizontalHeader()->setObjectName(u"titres"_s);
-    m_view->horizontalHeader()->setStretchLastSection(true);
-    m_view->horizontalHeader()->resizeSection(CollectorModel::Nom, m_view->fontMetrics().averageCharWidth() * 30);
+    const int unit = m_view->fontMetrics().averageCharWidth();
+    m_view->horizontalHeader()->setSectionResizeMode(CollectorModel::Nom, QHeaderView::Stretch);
+    m_view->horizontalHeader()->resizeSection(CollectorModel::Initiales, 10 * unit);
+    m_view->horizontalHeader()->resizeSection(CollectorModel::Bot, 13 * unit);
+    m_view->horizontalHeader()->resizeSection(CollectorModel::Organisme, 14 * unit);
     m_view->horizontalHeader()->setSortIndicator(CollectorModel::Nom, Qt::AscendingOrder);
     m_view->horizontalHeader()->setSortIndicatorShown(true);
     m_view->horizontalHeader()->setSectionsClickable(true);
