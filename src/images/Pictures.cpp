@@ -4,6 +4,7 @@
 #include <QImageReader>
 #include <QPainter>
 #include <cmath>
+#include <mutex>
 
 namespace images {
 
@@ -25,8 +26,16 @@ bool isTooLarge(const QSize& size)
     return qint64(size.width()) * size.height() > mostPixels;
 }
 
+/// Qt of its own stops at 128 megabytes, less than a picture of 40 megapixels takes; `mostPixels` is our bound.
+void allowLargePictures()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { QImageReader::setAllocationLimit(int(mostPixels * 4 >> 20) + 1); });
+}
+
 void prepare(QImageReader& reader, const QString& path)
 {
+    allowLargePictures();
     reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
     if (isTooLarge(reader.size()))
@@ -83,6 +92,7 @@ ViewedPicture viewPicture(const QString& path, int longest)
 
 QImage decodedWhole(const QByteArray& bytes)
 {
+    allowLargePictures();
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);

@@ -26,7 +26,7 @@ struct ViewedPicture {
 };
 
 /// The picture with no more than `longest` pixels on its longer side (0: whole). Throws as loadPicture
-/// does, and for a picture of more bytes than Qt lets one have (QImageReader::allocationLimit).
+/// does.
 ViewedPicture viewPicture(const QString& path, int longest);
 
 /// Pixels of the largest picture that is read at all, lest a wrong length in a file takes the memory of the machine.

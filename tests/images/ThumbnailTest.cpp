@@ -69,6 +69,15 @@ TEST(ThumbnailCache, StoresOneRowForEachName)
     EXPECT_EQ(rows->RecordCount(), 2);
 }
 
+/// More bytes than Qt allows an image of its own accord.
+TEST(Pictures, OfManyMegapixelsAreReadWhole)
+{
+    QTemporaryDir folder;
+    const QString path = drawing(folder.filePath(u"grande.jpg"_s), {7000, 5200});
+    EXPECT_TRUE(images::viewPicture(path, 0).isWhole());
+    EXPECT_EQ(images::viewPicture(path, 1000).image.width(), 1000);
+}
+
 /// Upright, whichever way it was made.
 TEST(ThumbnailCache, HonoursTheOrientation)
 {
