@@ -40,6 +40,7 @@ void EditorActions::makeAll()
     parent = make(u"parent"_s, u"go-up"_s, u"Ouvrir le &parent"_s, key(u"Alt+Up"_s));
     move = make(u"changeParent"_s, u"edit-move"_s, u"Cha&nger de parent…"_s, key(u"Ctrl+Shift+P"_s));
     save = make(u"save"_s, u"document-save"_s, u"&Enregistrer"_s, key(u"Ctrl+S"_s));
+    print = make(u"print"_s, u"document-print"_s, u"I&mprimer…"_s, key(u"Ctrl+P"_s));
     close = make(u"close"_s, u"window-close"_s, u"&Fermer"_s, key(u"Ctrl+W"_s));
     field = make(u"champ"_s, {}, u"Le &champ"_s);
     record = make(u"record"_s, {}, u"Le &tableau"_s, key(u"F5"_s));
@@ -100,7 +101,7 @@ void EditorActions::fillMenus(QMainWindow& window)
     QAction* refreshes = under(refreshMenu, u"refresh"_s, u"view-refresh"_s, u"&Recharger"_s, {field, record, indiv});
     QAction* wizards = under(wizardMenu, u"wizard"_s, u"tools-wizard"_s, u"Assis&tant de saisie"_s, {wztabs, wznull, wzvalid});
     menu(u"menuEnregistrement"_s, u"&Enregistrement"_s,
-         {add, adds, addSame, addCopy, nullptr, save, refreshes, nullptr, lock, move, remove, nullptr, close});
+         {add, adds, addSame, addCopy, nullptr, save, refreshes, nullptr, lock, move, remove, nullptr, print, nullptr, close});
     menu(u"menuChamp"_s, u"&Champ"_s, {previousValue, openList, nullptr, wizards});
     menu(u"menuAller"_s, u"&Aller à"_s,
          {prev, suiv, list, nullptr, oprev, osuiv, parent, nullptr, otherPane});

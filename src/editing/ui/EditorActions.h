@@ -14,7 +14,7 @@ class EditorActions : public QObject {
 public:
     explicit EditorActions(QMainWindow& window);
 
-    QAction *add, *addSame, *addCopy, *remove, *lock, *parent, *move, *save, *close;
+    QAction *add, *addSame, *addCopy, *remove, *lock, *parent, *move, *save, *print, *close;
     QAction *field, *record, *indiv;          ///< Refresh.
     QAction *wzvalid, *wznull, *wztabs;       ///< Wizard.
     QAction *prev, *suiv, *oprev, *osuiv, *list;

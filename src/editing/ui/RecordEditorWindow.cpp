@@ -1,6 +1,8 @@
 #include "editing/ui/RecordEditorWindow.h"
 
+#include "editing/ui/RecordPrinting.h"
 #include "platform/Dialogues.h"
+#include "platform/ui/PrintPreview.h"
 
 #include <QCloseEvent>
 #include <QScopedValueRollback>
@@ -232,6 +234,17 @@ void RecordEditorWindow::connectMore()
     on(a.modelLoad, [this] { m_editing.loadModel(); });
     on(a.modelRename, [this] { manageModel(true); });
     on(a.modelDelete, [this] { manageModel(false); });
+    on(a.print, [this] {
+        finishTyping();
+        const platform::PrintTable table = individualTable(m_editing);
+        const QDateTime time = QDateTime::currentDateTime();
+        platform::preview({table.title,
+                           [table, time](QPagedPaintDevice& device) {
+                               platform::NoProgression silent;
+                               platform::TablePrinter(table, time).print(device, silent);
+                           }},
+                          m_around.dialogues, this);
+    });
     on(a.previousValue, [this] { copyPreviousValue(); });
     on(a.openList, [this] {
         if (FieldControl* control = m_pane->currentControl())
