@@ -2,6 +2,7 @@
 
 #include "data/FieldType.h"
 #include "jet/Definitions.h"
+#include "jet/sql/Lexer.h"
 
 namespace app {
 
@@ -188,6 +189,62 @@ QString renamedModel(const QString& text, const QString& module, const Renamings
         line = renamedKey + u';' + renamedField + rest;
     }
     return lines.join(lineEnd);
+}
+
+namespace {
+
+using jet::sql::Token;
+using jet::sql::TokenKind;
+
+/// The name that a token is; empty for anything else.
+QString nameAt(const QString& sql, const std::vector<Token>& tokens, size_t at)
+{
+    const Token& token = tokens[at];
+    const bool name = token.kind == TokenKind::Name
+                      || (token.kind == TokenKind::Word && token.keyword == jet::sql::Keyword::None);
+    return name ? jet::sql::nameOf(QStringView(sql).mid(token.place, token.length)) : QString();
+}
+
+/// The table in front of the dot before a token; empty when there is none.
+QString qualifierAt(const QString& sql, const std::vector<Token>& tokens, size_t at)
+{
+    const bool qualified = at > 1 && (tokens[at - 1].kind == TokenKind::Dot || tokens[at - 1].kind == TokenKind::Bang);
+    return qualified ? nameAt(sql, tokens, at - 2) : QString();
+}
+
+} // namespace
+
+QString renamedStatement(const QString& sql, const Renamings& renamings)
+{
+    const std::vector<Token> tokens = jet::sql::tokenize(sql);
+    QStringList tables, aliases;
+    for (size_t at = 0; at < tokens.size(); ++at) {
+        tables << jet::nameKey(nameAt(sql, tokens, at));
+        if (at > 0 && tokens[at - 1].keyword == jet::sql::Keyword::As)
+            aliases << tables.last();
+    }
+    QString result;
+    qsizetype written = 0;
+    for (size_t at = 0; at < tokens.size(); ++at) {
+        const QString name = nameAt(sql, tokens, at);
+        if (name.isEmpty())
+            continue;
+        const QString table = qualifierAt(sql, tokens, at);
+        QString now = table.isEmpty() ? renamings.module(name) : renamings.column(table, name);
+        if (now == name && (table.isEmpty() || aliases.contains(jet::nameKey(table)))) {
+            // Under an alias, or alone: the tables that the statement names decide.
+            for (auto field = renamings.fields.cbegin(); field != renamings.fields.cend(); ++field) {
+                if (field.key().second == jet::nameKey(name) && tables.contains(field.key().first))
+                    now = field.value();
+            }
+        }
+        if (now == name)
+            continue;
+        result += sql.mid(written, tokens[at].place - written);
+        result += u'[' + now + u']';
+        written = tokens[at].place + tokens[at].length;
+    }
+    return result + sql.mid(written);
 }
 
 } // namespace app

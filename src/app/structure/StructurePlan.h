@@ -57,5 +57,7 @@ Renamings renamingsOf(const StructurePlan& plan);
 QString renamedQuery(const QString& text, const Renamings& renamings);
 /// The same for an input model: keys "0-Module" and items "Module.Column". `module` is that of the model, as it was.
 QString renamedModel(const QString& text, const QString& module, const Renamings& renamings);
+/// The same for a statement of the dialect. A column without its table is renamed where the statement names the table.
+QString renamedStatement(const QString& sql, const Renamings& renamings);
 
 } // namespace app

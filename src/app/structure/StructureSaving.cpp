@@ -260,6 +260,15 @@ void StructureSaving::renameInTexts()
                 m_store.put(kind, object.module, object.name, after);
         }
     }
+    // Queries that an older file brought along.
+    const QList<jet::QueryDef> queries = m_database.schema().queries();
+    for (const jet::QueryDef& query : queries) {
+        const QString after = renamedStatement(query.SQL, renamings);
+        if (after == query.SQL)
+            continue;
+        m_database.DeleteQueryDef(query.Name);
+        m_database.CreateQueryDef(query.Name, after);
+    }
 }
 
 // --- Columns ---------------------------------------------------------------------------------------

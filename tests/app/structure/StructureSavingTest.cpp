@@ -1,6 +1,7 @@
 #include "StructureFixture.h"
 
 #include "jet/Recordset.h"
+#include "support/Files.h"
 
 #include <QDir>
 #include <QFile>
@@ -134,6 +135,27 @@ TEST_F(StructureSaving, NamesCanBeExchanged)
               u"colonne\t=a\t\tNote\tMesures.Note\r\ncolonne\t=b\t\tHauteur\tMesures.Hauteur"_s);
 }
 
+TEST_F(StructureSaving, StatementsFollowTheNames)
+{
+    app::Renamings renamings;
+    renamings.modules.insert(u"mesures"_s, u"Grandes mesures"_s);
+    renamings.fields.insert({u"mesures"_s, u"id mesures"_s}, u"ID Grandes mesures"_s);
+    renamings.fields.insert({u"mesures"_s, u"note"_s}, u"Remarque"_s);
+    const QList<QPair<QString, QString>> cases{
+        {u"SELECT Mesures.[Note] FROM Mesures WHERE [ID Mesures]>1"_s,
+         u"SELECT [Grandes mesures].[Remarque] FROM [Grandes mesures] WHERE [ID Grandes mesures]>1"_s},
+        {u"SELECT m.Note, \"Mesures\" FROM MESURES AS m"_s, u"SELECT m.[Remarque], \"Mesures\" FROM [Grandes mesures] AS m"_s},
+        {u"SELECT Note FROM Individus"_s, u"SELECT Note FROM Individus"_s},
+        {u"SELECT Individus.Note FROM Individus, Mesures"_s, u"SELECT Individus.Note FROM Individus, [Grandes mesures]"_s}};
+    for (const auto& [before, after] : cases)
+        EXPECT_EQ(app::renamedStatement(before, renamings), after);
+    project.db().CreateQueryDef(u"Ancienne"_s, u"SELECT Hauteur FROM Mesures"_s);
+    ASSERT_TRUE(project.editing->renameModule(project.module(u"Mesures"_s), u"Tailles"_s));
+    ASSERT_TRUE(project.editing->renameField(project.field(u"Tailles"_s, u"Hauteur"_s), u"Longueur"_s));
+    ASSERT_TRUE(project.save());
+    EXPECT_EQ(project.rows(u"SELECT Longueur FROM Ancienne"_s).size(), 4);
+}
+
 TEST_F(StructureSaving, AConvertedTextFieldBecomesAVocabulary)
 {
     project.editing->setType(project.field(u"Mesures"_s, u"Hauteur"_s), data::ListeSimple);
@@ -228,6 +250,27 @@ TEST_F(StructureSaving, AStructureGoesToAnotherProjectAsItIs)
     // The file of the structure is a project itself.
     EXPECT_TRUE(other.session.open(file, other.progression));
     EXPECT_EQ(other.findings(), QStringList());
+}
+
+/// What was saved is what an opening wants to find.
+TEST_F(StructureSaving, OpeningAfterwardsChangesNothing)
+{
+    app::StructureEditing& editing = *project.editing;
+    const int list = project.addField(u"Mesures"_s, u"Aspect"_s, data::ListeSimple);
+    editing.setDescriptors(list, {u"lisse"_s});
+    editing.setFieldFlag(project.field(u"Mesures"_s, u"Note"_s), data::Unique, true);
+    ASSERT_TRUE(editing.setType(project.field(u"Mesures"_s, u"Hauteur"_s), data::Réel));
+    ASSERT_TRUE(editing.renameModule(project.module(u"Mesures"_s), u"Tailles"_s));
+    ASSERT_TRUE(project.addModule(u"Sols"_s));
+    ASSERT_TRUE(editing.moveModule(project.module(u"Sols"_s), -1));
+    ASSERT_TRUE(project.save());
+    project.session.close();
+    const QByteArray before = support::bytesOf(project.path());
+    ASSERT_TRUE(project.open());
+    project.session.close();
+    EXPECT_TRUE(support::bytesOf(project.path()) == before);
+    ASSERT_TRUE(project.open());
+    project.editing = std::make_unique<app::StructureEditing>(project.session);
 }
 
 TEST_F(StructureSaving, SynchronisesVocabulariesWithTheRecords)

@@ -360,8 +360,8 @@ void StructureWindow::updateActions()
     enable(u"save"_s, m_editing.draft().isChanged());
     enable(u"undo"_s, m_editing.draft().canUndo());
     enable(u"redo"_s, m_editing.draft().canRedo());
-    const auto named = [](const QString& text, const QString& name) {
-        return name.isEmpty() ? text : text + u" : "_s + name;
+    const auto named = [](const QString& text, QString name) {
+        return name.isEmpty() ? text : text + u" : "_s + name.replace(u'&', u"&&"_s);
     };
     m_actions[u"undo"_s]->setText(named(u"&Annuler"_s, m_editing.draft().undoName()));
     m_actions[u"redo"_s]->setText(named(u"&Rétablir"_s, m_editing.draft().redoName()));
