@@ -54,7 +54,14 @@ bool ReferenceList::seek(qint32 id) const
 
 QVariant ReferenceList::value(const QString& column) const
 {
-    return m_current > 0 ? m_rows->Value(column) : QVariant();
+    try {
+        return m_current > 0 ? m_rows->Value(column) : QVariant();
+    } catch (const jet::Error& error) {
+        if (m_context.database.inOperation())
+            throw;
+        qCWarning(listLog).noquote() << m_table << column << error.number() << error.description();
+        return {};
+    }
 }
 
 qint32 ReferenceList::write(qint32 id, const QList<QPair<QString, QVariant>>& values)

@@ -4,6 +4,7 @@
 #include "ImportOperations.h"
 #include "MapOperations.h"
 #include "Project.h"
+#include "ReferenceOperations.h"
 #include "QueryOperations.h"
 #include "app/ProjectFiles.h"
 #include "app/structure/StructureEditing.h"
@@ -483,6 +484,9 @@ const std::vector<Operation>& operations()
             rows.push_back(row);
         }
         for (const Operation& row : accessOperations()) {
+            rows.push_back(row);
+        }
+        for (const Operation& row : referenceOperations()) {
             rows.push_back(row);
         }
         return rows;
