@@ -132,7 +132,7 @@ TEST_F(PictureWindow, AQueryShowsThePicturesOfItsIndividuals)
     EXPECT_EQ(opened.individuals, QList<qint32>{2});
     settle();
     // Of what was written elsewhere too; the selection stays.
-    db().Execute(u"UPDATE Images SET [Fichier]=Null WHERE [ID Images]=1"_s);
+    db().Execute(u"DELETE * FROM Images WHERE [ID Images]=1"_s);
     mode->valuesChanged({u"Images"_s});
     ASSERT_TRUE(QTest::qWaitFor([mode] { return !mode->isLoading(); }, 20'000));
     settle();
