@@ -1,4 +1,6 @@
 // Projects made of old Access files.
+#include "Forge.h"
+
 #include "app/AccessImport.h"
 #include "app/AccessModules.h"
 #include "app/ModuleTree.h"
@@ -80,10 +82,25 @@ TEST_F(AccessImport, LeavesTheOldFileUntouchedAndNothingElseBehind)
 
 TEST_F(AccessImport, NumbersNewRecordsBehindEveryNumberEverGiven)
 {
+    {
+        // Records with greater numbers were there, and deleted.
+        jet::access::AccessFile source(old);
+        QFile file(old);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        for (const jet::access::TableEntry& table : source.tables()) {
+            if (table.name != u"Mesures" && table.name != u"Images")
+                continue;
+            file.seek(qint64(table.page) * jet::access::jet4.pageSize + jet::access::jet4.counter);
+            const quint32 counter = qToLittleEndian(table.name == u"Mesures" ? quint32(7000) : quint32(0));
+            file.write(reinterpret_cast<const char*>(&counter), sizeof counter);
+        }
+    }
     ASSERT_TRUE(import());
-    const int largest = single(u"SELECT Max([ID Mesures]) FROM Mesures"_s).toInt();
     db().Execute(u"INSERT INTO Mesures ([Caractère],[ID Individus]) VALUES (\"Essai\",1)"_s);
-    EXPECT_GT(single(u"SELECT Max([ID Mesures]) FROM Mesures"_s).toInt(), largest);
+    EXPECT_EQ(single(u"SELECT Max([ID Mesures]) FROM Mesures"_s).toInt(), 7001);
+    const int largest = single(u"SELECT Max([ID Images]) FROM Images"_s).toInt();
+    db().Execute(u"INSERT INTO Images ([ID Individus]) VALUES (1)"_s);
+    EXPECT_EQ(single(u"SELECT Max([ID Images]) FROM Images"_s).toInt(), largest + 1);
 }
 
 TEST_F(AccessImport, KeepsAReportWithTheProject)
@@ -128,10 +145,21 @@ TEST_F(AccessImport, AsksOnceAndThenForThePassword)
     dialogues.expectConfirm(u"Le fichier « %1 » est une ancienne base Access.\n"
                             "Herbora va en faire un nouveau projet, « ancien (converti).hbx », et l'ouvrir. L'ancien fichier "
                             "n'est pas modifié.\nVoulez-vous continuer ?"_s.arg(old), caption, true);
+    const QString first = u"Mot de passe de l'ancienne base :"_s;
+    dialogues.expectInput(caption, first, {}, u"faux"_s);
+    dialogues.expectInput(caption, u"Ce n'est pas le mot de passe de l'ancienne base.\nMot de passe :"_s, {}, u"Vrai"_s);
+    QFile file(old);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+    forge::setPassword(bytes, u"Vrai"_s);
+    file.seek(0);
+    file.write(bytes);
+    file.close();
     const std::optional<app::AccessPlan> agreed = app::planConversion(session.surroundings(), old);
     ASSERT_TRUE(agreed);
     EXPECT_EQ(agreed->target, path(u"ancien (converti).hbx"_s));
-    EXPECT_EQ(agreed->password, QString());
+    EXPECT_EQ(agreed->password, u"Vrai"_s);
+    EXPECT_TRUE(app::convertAccess(session.surroundings(), *agreed, progression).contains(u"pas de mot de passe"_s));
 }
 
 TEST_F(AccessImport, OpensAnAccessFileThatIsNoProject)

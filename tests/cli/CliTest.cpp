@@ -69,6 +69,19 @@ TEST_F(CliTest, ReportsErrors)
     EXPECT_EQ(run({u"infos"_s, folder.filePath(u"absent.hbx"_s)}).status, 1);
 }
 
+TEST_F(CliTest, ImportsAccessFiles)
+{
+    const QString old = qEnvironmentVariable("HERBORA_SOURCE") + u"/tests/jet/access/samples/ancien-projet.hbx"_s;
+    const QString target = folder.filePath(u"converti.hbx"_s);
+    const Result import = run({u"importer"_s, u"access"_s, old, target});
+    EXPECT_EQ(import.status, 0) << import.err.toStdString();
+    EXPECT_TRUE(import.out.contains(u"Mesures : 450 enregistrements"_s)) << import.out.toStdString();
+    EXPECT_EQ(run({u"verifier"_s, target}).status, 0);
+    EXPECT_EQ(run({u"importer"_s, u"access"_s, old, target}).status, 1);
+    EXPECT_EQ(run({u"importer"_s, u"access"_s, file, folder.filePath(u"autre.hbx"_s)}).status, 1);
+    EXPECT_EQ(run({u"importer"_s, u"access"_s, old}).status, 2);
+}
+
 TEST_F(CliTest, ShowsStepsAndTree)
 {
     const QJsonObject infos = run({u"infos"_s, file, u"--json"_s}).json();

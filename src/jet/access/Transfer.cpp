@@ -340,6 +340,7 @@ qint64 TransferReport::rows() const
 TransferReport transfer(AccessFile& from, Database& to, const TransferProgress& progress)
 {
     TransferReport report;
+    Operation operation(to, u"Importation d'une ancienne base"_s);
     report.version = from.pages().versionName();
     transferTables(from, to, report, progress);
     if (!progress(u"Relations et requêtes"_s, 1))
@@ -351,6 +352,7 @@ TransferReport transfer(AccessFile& from, Database& to, const TransferProgress& 
         report.remarks += u"Non repris : %1 %2 (%3)."_s.arg(QString::number(others.names.size()), others.kind,
                                                             others.names.mid(0, 20).join(u", "_s));
     report.remarks = from.remarks() + report.remarks;
+    operation.commit();
     return report;
 }
 

@@ -31,7 +31,7 @@ using TransferProgress = std::function<bool(const QString& text, double done)>;
 
 /// Writes everything that can be read into the database, which must have no table of these names. Rows come before
 /// rules and indexes: what an old file holds against its own rules is kept. What cannot be kept is told in the report.
-/// The caller holds the operation in which it happens. Throws what the new file refuses for itself (disk full …).
+/// One operation, whole or not at all. Throws what the new file refuses for itself (disk full …).
 TransferReport transfer(AccessFile& from, Database& to, const TransferProgress& progress);
 
 } // namespace jet::access

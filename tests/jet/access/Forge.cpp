@@ -93,18 +93,29 @@ void setBit(char* bits, quint32 page)
     bits[page / 8] = char(quint8(bits[page / 8]) | 1 << (page % 8));
 }
 
-/// Where a row stands in the file.
+/// Where a row stands in the file, and behind its end.
 qsizetype rowStart(const QByteArray& file, RowPointer row)
 {
     const qsizetype page = qsizetype(row.page) * jet4.pageSize;
     return page + (Bytes(file).u16(page + jet4.dataSlots + 2 * row.row) & SlotOffset);
 }
+qsizetype rowEnd(const QByteArray& file, RowPointer row)
+{
+    return row.row == 0 ? qsizetype(row.page + 1) * jet4.pageSize : rowStart(file, {row.page, row.row - 1});
+}
 
-/// Makes the inline map of the table one by reference, on a new page, and adds the pages.
+/// Adds the pages to the map of the table, which becomes one by reference when it is inline.
 void addToMap(QByteArray& file, const TableDefinition& table, quint32 from, quint32 to)
 {
     const qsizetype row = rowStart(file, table.ownedMap);
-    const int bits = 8 * 64;
+    if (file[row + usage::kind] == 1) {
+        const qsizetype bits = qsizetype(Bytes(file).u32(row + usage::references)) * jet4.pageSize + usage::pageBits;
+        for (quint32 number = from; number < to; ++number)
+            setBit(file.data() + bits, number);
+        return;
+    }
+    const qsizetype end = rowEnd(file, table.ownedMap);
+    const int bits = 8 * int(end - row - usage::inlineBits);
     const quint32 first = Bytes(file).u32(row + usage::inlineStart);
     const quint32 mapPage = quint32(file.size() / jet4.pageSize);
     QByteArray page(jet4.pageSize, '\0');
@@ -118,7 +129,7 @@ void addToMap(QByteArray& file, const TableDefinition& table, quint32 from, quin
         setBit(page.data() + usage::pageBits, number);
     file += page;
     file[row + usage::kind] = 1;
-    std::fill_n(file.data() + row + usage::references, 68, '\0');
+    std::fill(file.data() + row + usage::references, file.data() + end, '\0');
     put(file, row + usage::references, mapPage);
 }
 
