@@ -1,7 +1,7 @@
 #include "app/Session.h"
 #include "app/ui/import/ImportWindow.h"
 #include "platform/ui/PrintPreview.h"
-#include "../ui/WindowFixture.h"
+#include "app/ui/WindowFixture.h"
 
 #include <QProcess>
 
@@ -87,8 +87,10 @@ TEST_F(ImportWindowTest, AGridIsPreviewedAndSavedAsPdf)
     ASSERT_TRUE(reader.waitForFinished());
     const QString text = QString::fromUtf8(reader.readAll());
     EXPECT_TRUE(text.contains(grid->title()) && text.contains(u"Page 1 sur 1"_s)) << text.toStdString();
-    for (const QString& row : shown(*grid, {u"Numéro"_s}))
-        EXPECT_TRUE(text.contains(row)) << row.toStdString();
+    for (const QString& row : shown(*grid, {u"Numéro"_s})) {
+        for (const QString& word : row.split(u' ')) // a narrow column breaks its texts
+            EXPECT_TRUE(text.contains(word)) << row.toStdString();
+    }
     preview->close();
 }
 
