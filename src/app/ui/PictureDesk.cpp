@@ -36,7 +36,7 @@ PictureDesk::PictureDesk(Workplace& place, EditorDesk& editor) : Desk(place), m_
 void PictureDesk::install(QMenuBar& bar, TreeCommands&)
 {
     auto* menu = bar.findChild<QMenu*>(u"menuDonnees"_s);
-    m_action = new QAction(themeIcon(u"folder-pictures"_s), u"&Dossiers des images…"_s, this);
+    m_action = new QAction(themeIcon(u"folder-pictures"_s), u"&Dossiers des images…"_s, menu);
     m_action->setObjectName(u"imagePaths"_s);
     m_action->setStatusTip(u"Choisir les dossiers dans lesquels les images sont cherchées"_s);
     m_action->setEnabled(false);
