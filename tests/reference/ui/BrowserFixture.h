@@ -1,7 +1,7 @@
 // A small project with what the trees and browsers of the reference lists work with.
 #pragma once
 
-#include "../ReferenceFixture.h"
+#include "reference/ReferenceFixture.h"
 #include "app/References.h"
 #include "jet/SqlText.h"
 #include "reference/ui/Chooser.h"
