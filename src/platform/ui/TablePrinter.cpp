@@ -16,7 +16,14 @@ constexpr double widestWordMm = 30;   ///< A longer word is broken.
 constexpr int sampledRows = 300;      ///< Widths are found from the first ones.
 constexpr int rowsAtOnce = 200;
 constexpr double highestShare = 0.4;  ///< Of the page; a longer text is cut.
-constexpr int wrap = Qt::TextWordWrap | Qt::TextWrapAnywhere;
+
+/// Lines end between words; only a word that is wider than its cell is broken.
+int wrapOf(const QFontMetricsF& metrics, const QString& text, double room)
+{
+    const QStringList words = text.simplified().split(u' ');
+    const bool fit = std::all_of(words.begin(), words.end(), [&](const QString& word) { return metrics.horizontalAdvance(word) <= room; });
+    return fit ? Qt::TextWordWrap : Qt::TextWrapAnywhere;
+}
 
 } // namespace
 
@@ -122,7 +129,7 @@ double TablePrinter::cellHeight(const PrintedPage& page, const QString& text, do
     const double most = page.body().height();
     // Most cells are one line; only the others are laid out.
     const bool single = !text.contains(u'\n') && metrics.horizontalAdvance(text) <= room;
-    const double lines = single ? metrics.height() : metrics.boundingRect(QRectF(0, 0, room, most), wrap, text).height();
+    const double lines = single ? metrics.height() : metrics.boundingRect(QRectF(0, 0, room, most), wrapOf(metrics, text, room), text).height();
     return qMax(lines, metrics.height()) + m_padding;
 }
 
@@ -190,8 +197,9 @@ double TablePrinter::drawRow(QPainter& painter, const PrintedPage& page, const S
         const bool right = !row.heading && m_table.columns[column].right;
         painter.save();
         painter.setClipRect(QRectF(left, top, cell, height));
-        painter.drawText(box, wrap | (right ? Qt::AlignRight : Qt::AlignLeft) | (row.heading ? Qt::AlignBottom : Qt::AlignTop),
-                         row.cells.value(row.heading ? 0 : column));
+        const QString text = row.cells.value(row.heading ? 0 : column);
+        const int lines = wrapOf(header || row.heading ? *m_boldMetrics : *m_plainMetrics, text, box.width());
+        painter.drawText(box, lines | (right ? Qt::AlignRight : Qt::AlignLeft) | (row.heading ? Qt::AlignBottom : Qt::AlignTop), text);
         painter.restore();
         left += cell;
     }
