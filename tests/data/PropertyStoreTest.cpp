@@ -52,7 +52,7 @@ TEST(PropertyStore, DeletingAModulesObjectsTakesAllDescriptorLists)
     store.put(u"Base"_s, u"Individus"_s, u"b"_s, u"1"_s);
     store.put(u"Requête"_s, u"Individus"_s, u"q"_s, u"1"_s);
     store.deleteModule(u"Individus"_s);
-    EXPECT_EQ(project.rows(u"SELECT Objet, Module, Nom FROM Propriétés"_s),
+    EXPECT_EQ(project.rows(u"SELECT Objet, Module, Nom FROM Propriétés WHERE Objet<>'Liens'"_s),
               (QStringList{u"Base|Images|b"_s, u"Requête|Individus|q"_s}));
 }
 
