@@ -1,12 +1,19 @@
 #include "app/ModuleTree.h"
 
 #include "app/Session.h"
+#include "jet/Recordset.h"
+#include "jet/SqlText.h"
+
+#include <QHash>
+#include <QLoggingCategory>
 
 namespace app {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+Q_LOGGING_CATEGORY(treeLog, "herbora.tree")
 
 const QString groupRequête = u"Requête"_s;
 const QString groupModèle = u"Modèle"_s;
@@ -103,6 +110,25 @@ NodeKind kindOfKey(const QString& key, const Session& session)
     if (key == groupRequête || key == groupModèle || key == groupSélections || key == groupFlottantes)
         return NodeKind::Group;
     return session.dictionary().module(key) ? NodeKind::Module : NodeKind::None;
+}
+
+qint64 recordCount(const Session& session, const QString& key)
+{
+    static const QHash<NodeKind, QString> lists{{NodeKind::Taxa, u"Taxons"_s},
+                                                {NodeKind::Localities, u"Localités"_s},
+                                                {NodeKind::Collectors, u"Collecteurs"_s}};
+    const NodeKind kind = kindOfKey(key, session);
+    const QString table = kind == NodeKind::Module ? session.dictionary().module(key)->name : lists.value(kind);
+    if (table.isEmpty())
+        return -1;
+    try {
+        const auto rows = session.database().OpenRecordset(u"SELECT Count(*) FROM "_s + jet::nom(table),
+                                                           jet::RecordsetType::Snapshot);
+        return rows->Value(0).toLongLong();
+    } catch (const jet::Error& error) {
+        qCInfo(treeLog).noquote() << key << error.number() << error.description();
+        return -1;
+    }
 }
 
 } // namespace app

@@ -29,4 +29,7 @@ TreeNode buildModuleTree(const Session& session);
 enum class NodeKind { Root, Group, Module, Query, Model, Property, Selection, Taxa, Localities, Collectors, None };
 NodeKind kindOfKey(const QString& key, const Session& session);
 
+/// Records behind a key: of a module or a reference list; -1 for any other, or when they cannot be counted.
+qint64 recordCount(const Session& session, const QString& key);
+
 } // namespace app

@@ -4,6 +4,7 @@
 #include "app/References.h"
 #include "data/CoreModules.h"
 #include "data/CoreSchema.h"
+#include "jet/Cancelled.h"
 
 #include <QFileInfo>
 
@@ -116,6 +117,34 @@ bool Session::create(const QString& path, platform::Progression& progression,
         return false;
     }
     return open(target, progression);
+}
+
+bool Session::saveCopy(const QString& path, platform::Progression& progression)
+{
+    const QString target = QFileInfo(path).absoluteFilePath();
+    const QString unfinished = temporaryPath(target);
+    const auto undo = [&] {
+        removeStrayFiles(target);
+        progression.finish();
+    };
+    try {
+        if (QFileInfo(target) == QFileInfo(m_database->Name()))
+            jet::fail(3204, target);
+        removeStrayFiles(target);
+        progression.step(u"Copie du projet"_s, -1);
+        m_database->SaveCopy(unfinished, [&progression] { return !progression.cancelled(); });
+        if (QFileInfo::exists(target))
+            keepAside(target);
+        moveIntoPlace(unfinished, target);
+    } catch (const jet::Error& error) {
+        undo();
+        if (error.number() != jet::cancelledError)
+            m_surroundings.dialogues.tell(u"Impossible d'enregistrer la copie :\n"_s + error.description(), caption,
+                                          BoxIcon::Stop);
+        return false;
+    }
+    progression.finish();
+    return true;
 }
 
 void Session::close()

@@ -51,6 +51,9 @@ public:
     /// The opening sequence in twelve steps. A failure leaves no project open.
     bool open(const QString& path, platform::Progression& progression);
     void close();
+    /// Writes a copy of the open project under another name; a project that stands there is kept with ".bak", as create
+    /// does. False when it failed (said to the user) or was cancelled; then nothing is left of it.
+    bool saveCopy(const QString& path, platform::Progression& progression);
     /// Asks, repairs links, compacts with a backup, opens the compacted file.
     bool optimise(platform::Progression& progression);
     /// The two halves of it, for who has something to put away between them.

@@ -27,6 +27,14 @@ ChoiceButton::ChoiceButton(const QIcon& icon, const QString& title, const QStrin
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
+void ChoiceButton::setDescription(const QString& description)
+{
+    m_description = description;
+    setAccessibleDescription(description);
+    updateGeometry();
+    update();
+}
+
 QFont ChoiceButton::titleFont() const
 {
     QFont bold = font();
@@ -72,7 +80,8 @@ void ChoiceButton::paintEvent(QPaintEvent*)
         line.translate(0, title.height());
         painter.setFont(font());
         painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
-                         fontMetrics().elidedText(m_description, Qt::ElideMiddle, line.width()));
+                         fontMetrics().elidedText(m_description, m_description.contains(u'/') ? Qt::ElideMiddle : Qt::ElideRight,
+                                                  line.width()));
     }
     if (hasFocus()) {
         QStyleOptionFocusRect focus;

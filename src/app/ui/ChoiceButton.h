@@ -11,6 +11,9 @@ class ChoiceButton : public QAbstractButton {
 public:
     ChoiceButton(const QIcon& icon, const QString& title, const QString& description, QWidget* parent = nullptr);
 
+    /// The line under the title.
+    void setDescription(const QString& description);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 

@@ -32,6 +32,10 @@ void MainActions::makeFileActions()
     open = add(u"open"_s, u"document-open"_s, u"&Ouvrir un projet…"_s, u"Ouvrir un fichier Herbora (.hbx)"_s,
                u"Ctrl+O"_s);
     open->setIconText(u"Ouvrir"_s);
+    saveCopy = add(u"saveCopy"_s, u"document-save-as"_s, u"Enregistrer une &copie…"_s,
+                   u"Copier le projet ouvert sous un autre nom"_s, u"Ctrl+Shift+S"_s);
+    newDemo = add(u"newDemo"_s, u"document-new-from-template"_s, u"Projet de &démonstration…"_s,
+                  u"Créer un projet d'exemple rempli de récoltes réelles"_s);
     closeTab = add(u"closeTab"_s, u"tab-close"_s, u"&Fermer l'onglet"_s, u"Fermer l'onglet affiché"_s, u"Ctrl+W"_s);
     save = add(u"save"_s, u"document-save"_s, u"&Enregistrer"_s, u"Enregistrer ce que l'onglet affiché contient"_s,
                u"Ctrl+S"_s);
@@ -108,12 +112,12 @@ QMenu* MainActions::install(QMainWindow& window, ModuleDock& dock) const
         return menu;
     };
     QMenu* file = addMenu(u"menuFichier"_s, u"&Fichier"_s);
-    file->addActions({newProject, open});
+    file->addActions({newProject, newDemo, open});
     QMenu* recent = file->addMenu(themeIcon(u"document-open-recent"_s), u"Projets &récents"_s);
     recent->setObjectName(u"menuRecents"_s);
     recent->menuAction()->setObjectName(u"recents"_s);
     file->addSeparator();
-    file->addActions({save, exportRows, print});
+    file->addActions({save, saveCopy, exportRows, print});
     file->addSeparator();
     file->addAction(closeTab);
     file->addSeparator();

@@ -20,7 +20,9 @@ public:
     explicit MainActions(QObject* parent = nullptr);
 
     QAction* newProject;
+    QAction* newDemo;
     QAction* open;
+    QAction* saveCopy;
     QAction* closeTab;
     QAction* quit;
     QAction* copy;

@@ -88,13 +88,15 @@ void MainWindow::connectActions()
 {
     const auto on = [this](QAction* action, auto slot) { connect(action, &QAction::triggered, this, slot); };
     on(m_actions->newProject, [this] { m_commands->create(); });
+    on(m_actions->newDemo, [this] { m_commands->createDemo(); });
     on(m_actions->open, [this] { m_commands->open(); });
+    on(m_actions->saveCopy, [this] { m_commands->saveCopy(); });
     on(m_actions->optimise, [this] { m_commands->optimise(); });
     on(m_actions->closeTab, [this] { m_documents->closeCurrent(); });
     on(m_actions->quit, [this] { close(); });
     on(m_actions->expandAll, [this] { m_dock->expandAll(); });
     on(m_actions->collapseAll, [this] { m_dock->collapseAll(); });
-    on(m_actions->manual, [this] { showManual(); });
+    on(m_actions->manual, [this] { showManual(ManualWindow::pageFor(QApplication::focusWidget())); });
     on(m_actions->about, [this] { (new AboutDialog(m_session.surroundings().version, this))->open(); });
     on(m_actions->fullScreen,
        [this] { setWindowState(windowState().setFlag(Qt::WindowFullScreen, m_actions->fullScreen->isChecked())); });
@@ -112,12 +114,18 @@ void MainWindow::connectParts()
     connect(m_recent, &RecentFiles::chosen, m_commands, &ProjectCommands::openPath);
     connect(m_start, &StartPage::newWanted, m_commands, &ProjectCommands::create);
     connect(m_start, &StartPage::openWanted, m_commands, &ProjectCommands::open);
+    connect(m_start, &StartPage::demoWanted, m_commands, &ProjectCommands::createDemo);
+    connect(m_start, &StartPage::manualWanted, this, &MainWindow::showManual);
     connect(m_start, &StartPage::recentWanted, m_commands, &ProjectCommands::openPath);
     connect(m_start, &StartPage::recordsWanted, this, &MainWindow::openRecords);
     connect(m_commands, &ProjectCommands::projectChanged, this, &MainWindow::showProject);
+    connect(m_commands, &ProjectCommands::copied, this, [this](const QString& path) {
+        statusBar()->showMessage(u"Copie enregistrée : "_s + path, messageMilliseconds);
+    });
     connect(m_commands, &ProjectCommands::busyChanged, this, &MainWindow::showBusy);
     m_commands->setGuard([this] { return mayClose(); });
     connect(m_commands, &ProjectCommands::projectClosing, this, &MainWindow::putAway);
+    connect(m_place, &Workplace::recordsWritten, m_start, &StartPage::count);
     connect(m_place, &Workplace::recordsWritten, m_documents, &Documents::recordsWritten);
     connect(m_documents, &Documents::currentChanged, this, &MainWindow::showCurrentTab);
     connect(m_documents, &Documents::addWanted, this, [this](const QString& key) {
@@ -190,7 +198,7 @@ void MainWindow::showProject()
             desk->projectOpened();
         m_dock->load(m_session);
         m_objects = std::make_unique<TreeObjects>(m_session, [this] { m_dock->reload(m_session); });
-        m_start->showProject(m_dock->model(), path);
+        showStart();
         setWindowTitle(m_session.projectName() + u" - "_s + u"Herbora"_s);
         m_documents->projectReopened();
         statusBar()->showMessage(m_session.readOnly() ? u"Projet ouvert en lecture seule"_s : u"Projet ouvert"_s,
@@ -200,11 +208,24 @@ void MainWindow::showProject()
     showBusy(m_commands->isBusy());
 }
 
+void MainWindow::showStart()
+{
+    QList<QAction*> commands;
+    for (const QString& name : {u"newIndividual"_s, u"newQueryIndividus"_s, u"carte"_s, u"importCsv"_s})
+        commands << findChild<QAction*>(name);
+    commands << m_actions->modif;
+    m_start->showProject(m_dock->model(), m_session.path(), commands, [this](const QString& key) {
+        return m_runner.isRunning() || !m_session.isOpen() ? -1 : recordCount(m_session, key);
+    });
+}
+
 void MainWindow::showBusy(bool busy)
 {
     const bool project = m_session.isOpen() && !busy;
     m_actions->newProject->setEnabled(!busy);
+    m_actions->newDemo->setEnabled(!busy);
     m_actions->open->setEnabled(!busy);
+    m_actions->saveCopy->setEnabled(project);
     m_actions->optimise->setEnabled(project && !m_session.readOnly());
     m_actions->expandAll->setEnabled(project);
     m_actions->collapseAll->setEnabled(project);
@@ -238,9 +259,8 @@ void MainWindow::openRecords(const QString& key)
         m_documents->openRecords(key, m_dock->model().kind(index));
 }
 
-void MainWindow::showManual()
+void MainWindow::showManual(const QString& page)
 {
-    const QString page = ManualWindow::pageFor(QApplication::focusWidget());
     if (!m_manual)
         m_manual = std::make_unique<ManualWindow>(m_session.surroundings().applicationFolder + u"/manuel"_s, m_state);
     m_manual->showPage(page);

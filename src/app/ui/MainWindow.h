@@ -45,7 +45,8 @@ private:
     void showBusy(bool busy);
     void showCurrentTab();
     void makeDesks();
-    void showManual();
+    void showManual(const QString& page);
+    void showStart();
     void serveTree();
     bool mayClose();
     void putAway();

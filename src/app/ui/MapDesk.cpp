@@ -28,6 +28,7 @@ void MapDesk::install(QMenuBar& bar, TreeCommands&)
     auto* menu = bar.findChild<QMenu*>(u"menuDonnees"_s);
     m_action = new QAction(iconNamed(u"Lslocalités"_s), u"&Carte des localités"_s, &bar);
     m_action->setObjectName(u"carte"_s);
+    m_action->setStatusTip(u"Voir sur une carte où les individus ont été récoltés"_s);
     connect(m_action, &QAction::triggered, this, [this] { openMap(); });
     m_action->setEnabled(false);
     if (menu)

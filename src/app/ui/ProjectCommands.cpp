@@ -1,6 +1,7 @@
 #include "app/ui/ProjectCommands.h"
 
 #include "app/AccessImport.h"
+#include "app/Demo.h"
 #include "app/ReadyStructures.h"
 #include "app/Session.h"
 
@@ -98,15 +99,53 @@ void ProjectCommands::create()
     const auto modules = chosenStructure();
     if (!modules)
         return;
-    QString path = m_dialogues.saveFile(u"Nouveau projet"_s, fileFilter(), u"Nouveau projet.hbx"_s);
+    const QString path = newFile(u"Nouveau projet"_s, u"Nouveau projet.hbx"_s);
     if (path.isEmpty() || !mayChange())
         return;
-    if (!path.endsWith(u".hbx"_s, Qt::CaseInsensitive))
-        path += u".hbx"_s;
     // Whoever named a file that is there agreed to replace it.
     run(u"Création"_s, [this, path, modules = *modules](platform::Progression& progression) {
         return m_session.create(path, progression, modules, true);
     });
+}
+
+QString ProjectCommands::newFile(const QString& title, const QString& name)
+{
+    const QString path = m_dialogues.saveFile(title, fileFilter(), name);
+    return path.isEmpty() || path.endsWith(u".hbx"_s, Qt::CaseInsensitive) ? path : path + u".hbx"_s;
+}
+
+void ProjectCommands::createDemo()
+{
+    const QString path = newFile(u"Projet de démonstration"_s, u"Démonstration.hbx"_s);
+    if (!path.isEmpty() && mayChange())
+        run(
+            u"Création du projet de démonstration"_s,
+            [this, path](platform::Progression& progression) { return buildDemo(m_session, path, progression); },
+            true);
+}
+
+void ProjectCommands::saveCopy()
+{
+    if (m_busy || !m_session.isOpen())
+        return;
+    const QFileInfo file(m_session.path());
+    const QString name = file.absolutePath() + u'/' + file.completeBaseName() + u" - copie.hbx"_s;
+    const QString path = newFile(u"Enregistrer une copie"_s, name);
+    if (path.isEmpty() || m_busy || !m_session.isOpen())
+        return;
+    setBusy(true);
+    auto done = std::make_shared<bool>(false);
+    m_runner.start({[this, path, done](platform::Progression& progression) {
+                        *done = m_session.saveCopy(path, progression);
+                    },
+                    [this, path, done](std::exception_ptr failure) {
+                        setBusy(false);
+                        if (*done)
+                            Q_EMIT copied(path);
+                        if (failure)
+                            std::rethrow_exception(failure); // the session says its failures
+                    },
+                    [] {}, u"Copie du projet"_s});
 }
 
 void ProjectCommands::optimise()
@@ -130,8 +169,7 @@ void ProjectCommands::run(const QString& text, std::function<bool(platform::Prog
     if (m_busy)
         return;
     Q_EMIT projectClosing();
-    m_busy = true;
-    Q_EMIT busyChanged(true);
+    setBusy(true);
     m_runner.cancel(); // a sort or a copy is not worth waiting for
     auto changed = std::make_shared<bool>(false);
     auto done = std::make_shared<bool>(false);
@@ -153,6 +191,12 @@ void ProjectCommands::run(const QString& text, std::function<bool(platform::Prog
                             std::rethrow_exception(failure); // no member of the session throws
                     },
                     cancellable ? std::function<void()>([] {}) : nullptr, text});
+}
+
+void ProjectCommands::setBusy(bool busy)
+{
+    m_busy = busy;
+    Q_EMIT busyChanged(busy);
 }
 
 } // namespace app

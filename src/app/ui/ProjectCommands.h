@@ -31,6 +31,8 @@ public:
     void setGuard(std::function<bool()> mayChange) { m_mayChange = std::move(mayChange); }
     void open();   ///< Asks for the file.
     void create(); ///< Asks for the name.
+    void createDemo(); ///< The same for the demo project.
+    void saveCopy();   ///< Asks for the name; the project stays open and its tabs as they are.
     /// Opens a project. An old Access file becomes one first (importPath).
     void openPath(const QString& path);
     /// Asks, converts an old Access file into a new project beside it, and opens that.
@@ -51,14 +53,19 @@ Q_SIGNALS:
     void projectChanged();
     /// The project that is open now was made of an old Access file just now.
     void imported();
+    /// The open project was copied to a file.
+    void copied(const QString& path);
 
 private:
+    /// The file that a new project is to have, with its ending; empty when the user gave up or stays.
+    QString newFile(const QString& title, const QString& name);
     /// The modules that a new project starts with; nothing when the user gave up.
     std::optional<QList<data::ModuleRecord>> chosenStructure();
     bool mayChange() const { return !m_busy && (!m_mayChange || m_mayChange()); }
     /// `cancellable`: the work looks at Progression::cancelled.
     void run(const QString& text, std::function<bool(platform::Progression&)> work, bool cancellable = false,
              std::function<void()> succeeded = {});
+    void setBusy(bool busy);
 
     Session& m_session;
     platform::TaskRunner& m_runner;

@@ -2,8 +2,9 @@
 
 #include "app/ui/Icons.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QHBoxLayout>
+#include <QLocale>
 #include <QScrollArea>
 
 namespace app {
@@ -12,8 +13,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int columnCharacters = 78;
+constexpr int columnCharacters = 124;
 constexpr int recentShown = 5;
+/// For the numbers of records, in the eyes of who waits for the page.
+constexpr int countingMilliseconds = 80;
 
 QFont titleFont(const QFont& base)
 {
@@ -53,14 +56,18 @@ StartPage::StartPage(RecentFiles& recent, QWidget* parent)
     m_column->addLayout(head);
 
     auto* middle = new QWidget;
-    middle->setFixedWidth(fontMetrics().averageCharWidth() * columnCharacters);
+    middle->setMaximumWidth(fontMetrics().averageCharWidth() * columnCharacters);
     middle->setLayout(m_column);
     m_column->setContentsMargins(0, 0, 0, 0);
     auto* content = new QWidget;
     content->setObjectName(u"startContent"_s);
+    auto* across = new QHBoxLayout;
+    across->addStretch(1);
+    across->addWidget(middle, 1000);
+    across->addStretch(1);
     auto* centred = new QVBoxLayout(content);
     centred->addStretch(2);
-    centred->addWidget(middle, 0, Qt::AlignHCenter);
+    centred->addLayout(across);
     centred->addStretch(3);
     auto* area = new QScrollArea(this);
     area->setObjectName(u"startArea"_s);
@@ -87,10 +94,24 @@ void StartPage::clearChoices()
     if (m_choices)
         m_choices->deleteLater();
     m_choices = new QWidget(this);
-    m_list = new QVBoxLayout(m_choices);
-    m_list->setContentsMargins(0, 8, 0, 0);
-    m_list->setSpacing(2);
+    m_counted.clear();
+    m_count = nullptr;
+    m_columns = new QHBoxLayout(m_choices);
+    m_columns->setContentsMargins(0, 8, 0, 0);
+    m_columns->setSpacing(16);
     m_column->addWidget(m_choices);
+    beginColumn();
+}
+
+void StartPage::beginColumn()
+{
+    auto* column = new QVBoxLayout;
+    column->setSpacing(2);
+    m_columns->addLayout(column, 1);
+    m_list = new QVBoxLayout;
+    m_list->setSpacing(2);
+    column->addLayout(m_list);
+    column->addStretch();
 }
 
 void StartPage::addHeading(const QString& text)
@@ -108,6 +129,8 @@ ChoiceButton* StartPage::addChoice(const QString& name, const QIcon& icon, const
 {
     auto* button = new ChoiceButton(icon, text, description, m_choices);
     button->setObjectName(name);
+    // Columns of one width, whatever stands in them.
+    button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     m_list->addWidget(button);
     return button;
 }
@@ -124,15 +147,37 @@ void StartPage::showWelcome()
     connect(addChoice(u"startOpen"_s, themeIcon(u"document-open"_s), u"Ouvrir un projet…"_s,
                       u"Choisir un fichier .hbx, ou le déposer sur cette fenêtre"_s),
             &QAbstractButton::clicked, this, &StartPage::openWanted);
+    connect(addChoice(u"startDemo"_s, iconNamed(u"Individus"_s), u"Projet de démonstration…"_s,
+                      u"Créer un projet d'exemple pour découvrir le programme"_s),
+            &QAbstractButton::clicked, this, &StartPage::demoWanted);
+    addManual();
+    beginColumn();
     addRecent();
+}
+
+void StartPage::addManual()
+{
+    addHeading(u"Découvrir"_s);
+    const auto page = [this](const QString& name, const QString& icon, const QString& text, const QString& description,
+                             const QString& file) {
+        connect(addChoice(name, themeIcon(icon), text, description), &QAbstractButton::clicked, this,
+                [this, file] { Q_EMIT manualWanted(file); });
+    };
+    page(u"startFirstSteps"_s, u"help-contents"_s, u"Premiers pas"_s, u"Du projet vide au premier individu"_s,
+         u"premiers-pas"_s);
+    page(u"startNews"_s, u"help-about"_s, u"Nouveautés"_s, u"Ce que cette version apporte"_s, u"nouveautes"_s);
 }
 
 void StartPage::addRecent()
 {
     const QStringList paths = m_recent.paths().mid(0, recentShown);
-    if (paths.isEmpty())
-        return;
     addHeading(u"Projets récents"_s);
+    if (paths.isEmpty()) {
+        auto* none = new QLabel(u"Les projets que vous ouvrirez se retrouveront ici."_s, m_choices);
+        none->setWordWrap(true);
+        none->setContentsMargins(8, 4, 8, 0);
+        m_list->addWidget(none);
+    }
     for (qsizetype i = 0; i < paths.size(); ++i) {
         const QString path = paths.at(i);
         const QString folder = RecentFiles::folderText(path);
@@ -144,7 +189,17 @@ void StartPage::addRecent()
     }
 }
 
-void StartPage::showProject(const TreeModel& model, const QString& path)
+void StartPage::addCommand(QAction* action)
+{
+    ChoiceButton* button = addChoice(u"start-"_s + action->objectName(), action->icon(),
+                                     QString(action->text()).remove(u'&'), action->statusTip());
+    button->setEnabled(action->isEnabled());
+    connect(action, &QAction::changed, button, [button, action] { button->setEnabled(action->isEnabled()); });
+    connect(button, &QAbstractButton::clicked, action, &QAction::trigger);
+}
+
+void StartPage::showProject(const TreeModel& model, const QString& path, const QList<QAction*>& commands,
+                            Counter count)
 {
     m_welcome = false;
     m_title->setText(QFileInfo(path).fileName());
@@ -159,13 +214,45 @@ void StartPage::showProject(const TreeModel& model, const QString& path)
         const bool list = kind == NodeKind::Taxa || kind == NodeKind::Localities || kind == NodeKind::Collectors;
         if (kind != NodeKind::Module && !list)
             continue;
-        if (list && !std::exchange(lists, true))
+        if (list && !std::exchange(lists, true)) {
+            beginColumn();
             addHeading(u"Listes de référence"_s);
+        }
         const QString key = model.node(index)->key;
-        connect(addChoice(u"start-"_s + key, index.data(Qt::DecorationRole).value<QIcon>(),
-                          model.node(index)->text, {}),
-                &QAbstractButton::clicked, this, [this, key] { Q_EMIT recordsWanted(key); });
+        ChoiceButton* button = addChoice(u"start-"_s + key, index.data(Qt::DecorationRole).value<QIcon>(),
+                                         model.node(index)->text, {});
+        m_counted.emplaceBack(key, button);
+        connect(button, &QAbstractButton::clicked, this, [this, key] { Q_EMIT recordsWanted(key); });
     }
+    addHeading(u"Et maintenant"_s);
+    for (QAction* action : commands)
+        addCommand(action);
+    m_count = std::move(count);
+    if (isVisible())
+        this->count();
+}
+
+void StartPage::count()
+{
+    if (!m_count)
+        return;
+    const QLocale french(QLocale::French);
+    QElapsedTimer spent;
+    spent.start();
+    for (const auto& [key, button] : std::as_const(m_counted)) {
+        // What a large file has no time for goes without its number.
+        const qint64 records = spent.elapsed() < countingMilliseconds ? m_count(key) : -1;
+        if (records >= 0)
+            button->setDescription(records == 0   ? u"Aucun enregistrement"_s
+                                   : records == 1 ? u"1 enregistrement"_s
+                                                  : french.toString(records) + u" enregistrements"_s);
+    }
+}
+
+void StartPage::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    count();
 }
 
 } // namespace app

@@ -1,6 +1,8 @@
 #include "WindowFixture.h"
 
 #include "app/ui/Captures.h"
+#include "app/ui/Workplace.h"
+#include "jet/Recordset.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -192,6 +194,63 @@ TEST_F(Window, TheStartPageLeadsOn)
     widget<QAbstractButton>(u"startRecent1"_s)->click();
     settle();
     EXPECT_EQ(window().windowTitle(), u"projet.hbx - Herbora"_s);
+}
+
+TEST_F(Window, TheStartPageTellsHowMuchThereIs)
+{
+    makeProject();
+    openProject();
+    EXPECT_EQ(widget<QAbstractButton>(u"start-Individus"_s)->accessibleDescription(), u"3 enregistrements"_s);
+    EXPECT_EQ(widget<QAbstractButton>(u"start-Déterminations"_s)->accessibleDescription(), u"4 enregistrements"_s);
+    EXPECT_EQ(widget<QAbstractButton>(u"start-Images"_s)->accessibleDescription(), u"Aucun enregistrement"_s);
+    program->session().database().Execute(u"DELETE FROM [Déterminations] WHERE [ID Déterminations]>1"_s);
+    window().place().written({u"Déterminations"_s});
+    EXPECT_EQ(widget<QAbstractButton>(u"start-Déterminations"_s)->accessibleDescription(), u"1 enregistrement"_s);
+    widget<QAbstractButton>(u"start-importCsv"_s)->click();
+    EXPECT_TRUE(window().findChild<QWidget*>(u"importTableau"_s)->isVisible());
+}
+
+TEST_F(Window, ADemoProjectIsOneClickAway)
+{
+    dialogues.expectSaveFile(u"Projet de démonstration"_s, filter, path(u"exemple"_s));
+    widget<QAbstractButton>(u"startDemo"_s)->click();
+    settle();
+    EXPECT_EQ(window().windowTitle(), u"exemple.hbx - Herbora"_s);
+    EXPECT_TRUE(QFileInfo(path(u"exemple-images"_s)).isDir());
+}
+
+TEST_F(Window, SavesACopyAndGoesOnWithTheProject)
+{
+    makeProject();
+    openProject();
+    app::GridTab* grid = openRecords(u"Individus"_s);
+    dialogues.expectSaveFile(u"Enregistrer une copie"_s, filter, path(u"l'été.hbx"_s));
+    trigger(u"saveCopy"_s);
+    EXPECT_EQ(window().windowTitle(), u"projet.hbx - Herbora"_s);
+    EXPECT_EQ(window().documents().currentGrid(), grid);
+    const auto copy = jet::Database::Open(path(u"l'été.hbx"_s));
+    EXPECT_TRUE(copy->Check().isEmpty());
+    EXPECT_EQ(copy->OpenRecordset(u"SELECT Count(*) FROM [Individus]"_s)->Value(0).toInt(), 3);
+    copy->Close();
+
+    // Its own name, and a file that is no project, are refused and stay as they are.
+    dialogues.expectSaveFile(u"Enregistrer une copie"_s, filter, path());
+    dialogues.expectLike({u"Impossible d'enregistrer la copie"_s}, u"Herbora"_s, BoxIcon::Stop);
+    trigger(u"saveCopy"_s);
+    QFile notes(path(u"notes.hbx"_s));
+    ASSERT_TRUE(notes.open(QIODevice::WriteOnly));
+    notes.write("au revoir");
+    notes.close();
+    dialogues.expectSaveFile(u"Enregistrer une copie"_s, filter, notes.fileName());
+    dialogues.expectLike({u"Impossible d'enregistrer la copie"_s}, u"Herbora"_s, BoxIcon::Stop);
+    trigger(u"saveCopy"_s);
+    EXPECT_EQ(notes.size(), 9);
+    // A project gives way, and is kept.
+    makeProject(u"ancien.hbx"_s);
+    dialogues.expectSaveFile(u"Enregistrer une copie"_s, filter, path(u"ancien.hbx"_s));
+    trigger(u"saveCopy"_s);
+    EXPECT_TRUE(QFileInfo::exists(path(u"ancien.hbx.bak"_s)));
+    EXPECT_EQ(QDir(folder.path()).entryList({u".*"_s}, QDir::Files | QDir::Hidden), QStringList());
 }
 
 TEST_F(Window, NobodyUsesTheProjectWhileItIsBeingOpened)
