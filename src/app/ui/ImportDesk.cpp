@@ -20,7 +20,7 @@ void ImportDesk::install(QMenuBar& bar, TreeCommands&)
 {
     m_import = new QAction(themeIcon(u"document-import"_s), u"Importer un tableau (CS&V)…"_s, &place().window());
     m_import->setObjectName(u"importCsv"_s);
-    m_import->setStatusTip(u"Ajouter les lignes d'un tableau à un module ou à une liste de référence"_s);
+    m_import->setStatusTip(u"Ajouter les lignes d'un tableau au projet"_s);
     connect(m_import, &QAction::triggered, this, &ImportDesk::open);
     bar.findChild<QMenu*>(u"menuDonnees"_s)->addAction(m_import);
     updateAction(false);

@@ -145,10 +145,10 @@ void StartPage::showWelcome()
                       u"Créer un fichier pour une nouvelle collection"_s),
             &QAbstractButton::clicked, this, &StartPage::newWanted);
     connect(addChoice(u"startOpen"_s, themeIcon(u"document-open"_s), u"Ouvrir un projet…"_s,
-                      u"Choisir un fichier .hbx, ou le déposer sur cette fenêtre"_s),
+                      u"Choisir un fichier .hbx, ou le déposer ici"_s),
             &QAbstractButton::clicked, this, &StartPage::openWanted);
     connect(addChoice(u"startDemo"_s, iconNamed(u"Individus"_s), u"Projet de démonstration…"_s,
-                      u"Créer un projet d'exemple pour découvrir le programme"_s),
+                      u"Créer un projet d'exemple à explorer"_s),
             &QAbstractButton::clicked, this, &StartPage::demoWanted);
     addManual();
     beginColumn();
