@@ -5,6 +5,7 @@
 #include "app/ProjectFiles.h"
 #include "app/Session.h"
 #include "data/CoreSchema.h"
+#include "jet/Cancelled.h"
 
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -19,18 +20,17 @@ namespace {
 
 Q_LOGGING_CATEGORY(importLog, "herbora.import")
 
-const QString caption = u"Herbora - Ancienne base Access"_s;
+const QString conversionCaption = u"Herbora - Ancienne base Access"_s;
 constexpr int wrongPassword = 3031;
-constexpr int cancelled = 3059;
 const QString projectFilter = u"Fichiers Herbora (*.hbx)|*.hbx|"_s;
 
 void sayFailure(const Surroundings& surroundings, const QString& source, const jet::Error& error)
 {
-    const bool stopped = error.number() == cancelled;
+    const bool stopped = error.number() == jet::cancelledError;
     if (!stopped)
         qCWarning(importLog).noquote() << "conversion of" << source << "failed:" << error.number() << error.description();
     surroundings.dialogues.tell(
-        u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, error.description()), caption,
+        u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, error.description()), conversionCaption,
         stopped ? BoxIcon::Information : BoxIcon::Stop);
 }
 
@@ -127,7 +127,7 @@ QString makeProject(const Surroundings& surroundings, const AccessPlan& plan, co
     const QString text = reportText(surroundings, plan, report);
     database->SetProperty(importReportProperty, text);
     if (!steps(u"Écriture du nouveau projet"_s, 97))
-        jet::fail(cancelled, u"Importation"_s);
+        jet::fail(jet::cancelledError, u"Importation"_s);
     operation.commit();
     database->Close();
     return text;
@@ -158,7 +158,7 @@ bool askPassword(const Surroundings& surroundings, AccessPlan& plan)
             }
             const QString prompt = plan.password.isEmpty() ? u"Mot de passe de l'ancienne base :"_s
                                                            : u"Ce n'est pas le mot de passe de l'ancienne base.\nMot de passe :"_s;
-            const std::optional<QString> typed = surroundings.dialogues.password(caption, prompt);
+            const std::optional<QString> typed = surroundings.dialogues.password(conversionCaption, prompt);
             if (!typed)
                 return false;
             plan.password = *typed;
@@ -181,7 +181,7 @@ std::optional<AccessPlan> planConversion(const Surroundings& surroundings, const
         u"Le fichier « %1 » est une ancienne base Access.\n"
         "Herbora va en faire un nouveau projet, « %2 », et l'ouvrir. L'ancien fichier n'est pas modifié.\n"
         "Voulez-vous continuer ?"_s.arg(plan.source, QFileInfo(plan.target).fileName()),
-        caption);
+        conversionCaption);
     if (!agreed)
         return {};
     if (!QFileInfo(QFileInfo(plan.target).absolutePath()).isWritable()) {

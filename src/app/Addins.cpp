@@ -18,7 +18,7 @@ namespace {
 Q_LOGGING_CATEGORY(addinLog, "herbora.addin", QtInfoMsg)
 
 constexpr int addinFailed = 440;
-const QString caption = u"Herbora"_s;
+const QString addinCaption = u"Herbora"_s;
 
 /// Runs code of a library; whatever it throws comes out as an error that names it. (The program's own errors do.)
 template<typename Work>
@@ -135,7 +135,7 @@ void Addins::reportCritical(const jet::Error& error)
                                  u':' + QString::number(error.number()) + u' ' + error.description(),
                                  u"Impossible d'établir une connexion avec la base de données"_s}
                          .join(u'\n'),
-                     caption, BoxIcon::Stop);
+                     addinCaption, BoxIcon::Stop);
 }
 
 // --- Connecting ------------------------------------------------------------------------------------
@@ -156,7 +156,7 @@ addin::Plugin* Addins::pluginOf(const QString& file)
         plugin = nullptr;
     }
     if (!plugin)
-        m_dialogues.tell(refusal, caption, BoxIcon::Stop);
+        m_dialogues.tell(refusal, addinCaption, BoxIcon::Stop);
     return plugin;
 }
 
@@ -247,7 +247,7 @@ void Addins::reportMissing(const QList<data::ModuleRecord>& modules)
     for (const QString& library : missing)
         m_dialogues.tell(u"La DLL "_s + library + u" est introuvable dans le répertoire "_s
                              + QDir::toNativeSeparators(m_folder),
-                         caption, BoxIcon::Warning);
+                         addinCaption, BoxIcon::Warning);
 }
 
 void Addins::attach(jet::Database& database, const QList<data::ModuleRecord>& modules)

@@ -5,6 +5,7 @@
 #include "app/ProjectFiles.h"
 #include "app/SyntheticProject.h"
 #include "data/ModuleTable.h"
+#include "jet/Cancelled.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,7 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int cancelledError = 3059;
 
 /// Rows to name plants after: accepted species and below, in their order.
 QList<qint32> speciesOf(const DemoData& data, const DemoReference& reference)
@@ -168,7 +168,7 @@ bool buildDemo(Session& session, const QString& path, platform::Progression& pro
         moveIntoPlace(unfinished, target);
     } catch (const jet::Error& error) {
         undo();
-        if (error.number() != cancelledError)
+        if (error.number() != jet::cancelledError)
             around.dialogues.tell(u"Impossible de créer le projet de démonstration :\n"_s + error.description(),
                                   u"Herbora"_s, platform::BoxIcon::Stop);
         return false;

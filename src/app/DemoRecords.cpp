@@ -1,31 +1,19 @@
 #include "app/DemoRecords.h"
 
+#include "data/OrNull.h"
+
 #include <QLocale>
 #include <algorithm>
 
 namespace app {
 
 using namespace Qt::StringLiterals;
+using data::orNull;
 
 namespace {
 
-QVariant orNull(const QString& text)
-{
-    return text.isEmpty() ? QVariant() : QVariant(text);
-}
-
-QVariant orNull(qint32 id)
-{
-    return id > 0 ? QVariant(id) : QVariant();
-}
-
-QVariant orNull(std::optional<double> value)
-{
-    return value ? QVariant(*value) : QVariant();
-}
-
 /// Lines of a long text.
-QVariant orNull(const QStringList& lines)
+QVariant linesOrNull(const QStringList& lines)
 {
     return lines.isEmpty() ? QVariant() : QVariant(lines.join(u"\r\n"_s));
 }
@@ -161,8 +149,8 @@ void RecordsWriter::writeIndividual(const DemoIndividual& individual, qint32 cur
         {u"Longitude", elsewhere ? orNull(individual.longitude) : QVariant()},
         {u"Latitude", elsewhere ? orNull(individual.latitude) : QVariant()},
         {u"Altitude", orNull(individual.altitude)},
-        {u"Habitat", orNull(habitat)},
-        {u"Description", orNull(description(individual))},
+        {u"Habitat", linesOrNull(habitat)},
+        {u"Description", linesOrNull(description(individual))},
         {u"Herbier", orNull(herbariaOf(individual.catalogue).join(u';'))},
         {u"ID Déterminations", orNull(current)},
         {u"Locked", individual.type == u"HOLOTYPE"},
@@ -235,7 +223,7 @@ void RecordsWriter::writeMeasures(const DemoIndividual& individual, qint32 owner
         {u"ID Taxons", orNull(taxon)},
         {u"ID Déterminations", orNull(current)},
         {u"Planche", image && image->file == u"physaria.jpg" ? QVariant(image->file) : QVariant()},
-        {u"Relevé", orNull(lines)},
+        {u"Relevé", linesOrNull(lines)},
         {u"ID Individus", owner},
         {u"KeyParent", m_individuals.key(owner)},
     });

@@ -1,8 +1,11 @@
 #include "app/DemoReference.h"
 
+#include "data/OrNull.h"
+
 namespace app {
 
 using namespace Qt::StringLiterals;
+using data::orNull;
 
 namespace {
 
@@ -23,11 +26,6 @@ bool smallWord(const QString& word)
     static const QStringList words{u"et"_s, u"al"_s, u"de"_s, u"da"_s, u"do"_s, u"dos"_s, u"das"_s, u"e"_s,
                                    u"von"_s, u"van"_s, u"der"_s, u"du"_s};
     return words.contains(word);
-}
-
-QVariant orNull(std::optional<double> value)
-{
-    return value ? QVariant(*value) : QVariant();
 }
 
 struct PlaceWritten {

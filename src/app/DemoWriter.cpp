@@ -1,5 +1,6 @@
 #include "app/DemoWriter.h"
 
+#include "data/OrNull.h"
 #include "jet/SqlText.h"
 
 namespace app {
@@ -59,14 +60,13 @@ qint32 TaxonWriter::add(int rank, qint32 parent, const QString& name, const QStr
 
     entry.ranks[size_t(rank - 1)] = m_rows.next();
     const auto rankColumn = [&](size_t i) { return entry.ranks[i] ? QVariant(entry.ranks[i]) : QVariant(); };
-    const auto orNull = [](const QString& text) { return text.isEmpty() ? QVariant() : QVariant(text); };
     const qint32 id = m_rows.add({{u"Taxon", name},
                                   {u"ID Famille", rankColumn(0)},
                                   {u"ID Genre", rankColumn(1)},
                                   {u"ID Espèce", rankColumn(2)},
                                   {u"ID Infra", rankColumn(3)},
-                                  {u"Auteurs", orNull(authors)},
-                                  {u"Commentaire", orNull(comment)},
+                                  {u"Auteurs", data::orNull(authors)},
+                                  {u"Commentaire", data::orNull(comment)},
                                   {u"Nom Complet", entry.fullName}});
     m_fullNames.insert(entry.fullName.toCaseFolded());
     m_byNameAndAuthors.insert(key, id);

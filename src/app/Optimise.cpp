@@ -17,7 +17,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(optimiseLog, "herbora.optimise")
 
-const QString caption = u"Herbora"_s;
+const QString optimiseCaption = u"Herbora"_s;
 
 /// Links from `Individus` to a record that is no more.
 void repairCurrentLinks(jet::Database& database, const QList<data::ModuleRecord>& modules,
@@ -151,7 +151,7 @@ bool Session::optimise(platform::Progression& progression)
 bool Session::confirmOptimise() const
 {
     return isOpen()
-           && m_surroundings.dialogues.confirm(question(), caption + u" - Optimisation"_s, platform::BoxIcon::Warning);
+           && m_surroundings.dialogues.confirm(question(), optimiseCaption + u" - Optimisation"_s, platform::BoxIcon::Warning);
 }
 
 bool Session::optimiseConfirmed(platform::Progression& progression)
@@ -169,7 +169,7 @@ bool Session::optimiseConfirmed(platform::Progression& progression)
         qCWarning(optimiseLog).noquote() << error.number() << error.description();
         m_surroundings.dialogues.tell(u"L'optimisation a échoué, la base est restée dans son état initial :\n"_s
                                           + error.description(),
-                                      caption + u" - Optimisation"_s, platform::BoxIcon::Stop);
+                                      optimiseCaption + u" - Optimisation"_s, platform::BoxIcon::Stop);
     }
     if (isOpen()) {
         progression.finish();

@@ -2,6 +2,7 @@
 #include "cli/Commands.h"
 #include "cli/RequeteExports.h"
 
+#include "cli/Terminal.h"
 #include "query/Query.h"
 #include "query/Results.h"
 #include "reference/Cl_Localite.h"
@@ -53,11 +54,6 @@ int identifierOf(const app::Session& session, const QString& name, const QString
     if (found.size() > 1)
         throw UsageError{u"Plusieurs modules ont une requête « "_s + name + u" » : indiquez --module."_s};
     return found.first().id;
-}
-
-QString plainCell(QString text)
-{
-    return text.replace(u'\t', u' ').replace(u'\r', u' ').replace(u'\n', u' ');
 }
 
 void printRows(query::Results& results)

@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "cli/Terminal.h"
 #include "jet/Database.h"
 #include "jet/Recordset.h"
 
@@ -45,11 +46,6 @@ QString textOf(const QVariant& value)
 QString csvCell(QString text)
 {
     return u'"' + text.replace(u'"', u"\"\""_s) + u'"';
-}
-
-QString plainCell(QString text)
-{
-    return text.replace(u'\t', u' ').replace(u'\r', u' ').replace(u'\n', u' ');
 }
 
 QStringList headerOf(const jet::Recordset& rows)

@@ -83,4 +83,9 @@ void TerminalProgression::step(const QString& text, int percent)
         printLine(u"%1 %  %2"_s.arg(percent, 3).replace(u"%2"_s, text));
 }
 
+QString plainCell(QString text)
+{
+    return text.replace(u'\t', u' ').replace(u'\r', u' ').replace(u'\n', u' ');
+}
+
 } // namespace cli

@@ -54,4 +54,7 @@ private:
 void printLine(const QString& text);  ///< Standard output, UTF-8.
 void printError(const QString& text); ///< Standard error, UTF-8.
 
+/// A cell in a line of cells that tabs divide.
+QString plainCell(QString text);
+
 } // namespace cli

@@ -2,6 +2,7 @@
 
 #include "data/FieldType.h"
 #include "data/ModuleTable.h"
+#include "data/OrNull.h"
 #include "data/PropertyStore.h"
 #include "data/StatementTemplate.h"
 #include "jet/Recordset.h"
@@ -38,11 +39,6 @@ QStringList descriptorsOf(const QString& text)
 }
 
 /// Null for an empty text: the dictionary keeps no empty help or name.
-QVariant orNull(const QString& text)
-{
-    return text.isEmpty() ? QVariant() : QVariant(text);
-}
-
 QString validationOf(const FieldRecord& field)
 {
     if (field.rule.isEmpty() && field.ruleText.isEmpty())

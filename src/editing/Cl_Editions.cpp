@@ -1,15 +1,8 @@
 #include "editing/Cl_Editions.h"
 
+#include "editing/SameText.h"
+
 namespace editing {
-
-namespace {
-
-bool same(const QString& a, const QString& b)
-{
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
-} // namespace
 
 Cl_Editions::Cl_Editions(EditingContext context) : m_context(std::move(context)) {}
 
@@ -37,7 +30,7 @@ int Cl_Editions::Index(const QString& name) const
 {
     for (size_t i = 0; i < m_fields.size(); ++i) {
         const Cl_Edition& field = *m_fields[i];
-        if (same(field.key(), name) || same(field.champ(), name) || same(field.Caption(), name))
+        if (sameText(field.key(), name) || sameText(field.champ(), name) || sameText(field.Caption(), name))
             return int(i);
     }
     return -1;
@@ -55,7 +48,7 @@ Cl_Edition* Cl_Editions::Item(const QString& name) const
     if (number)
         return Item(position);
     for (const auto& field : m_fields) {
-        if (same(field->key(), name))
+        if (sameText(field->key(), name))
             return field.get();
     }
     return Item(Index(name));

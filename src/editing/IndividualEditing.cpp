@@ -13,7 +13,6 @@ using platform::BoxIcon;
 
 namespace {
 
-const QString individus = data::moduleIndividus;
 const QString newItem = u"N"_s;
 const QString shownMark = u">"_s;
 /// Longer lists are offered without what their records hold, which would have to be read.
@@ -548,9 +547,17 @@ bool IndividualEditing::refresh(RefreshScope scope, Cl_Edition* field)
         return false;
     if (scope == RefreshScope::Field) {
         reset(*field);
-    } else if (scope == RefreshScope::Record || individual()->isNew()) {
+    } else if (scope == RefreshScope::Record) {
         for (const auto& one : form(*m_current))
             reset(*one);
+    } else if (individual()->isNew()) {
+        dropNew({});
+        for (const auto& one : form(*individual()))
+            reset(*one);
+        individual()->summary.clear();
+        buildTree();
+        makeCurrent(individual());
+        return true;
     } else {
         const QString key = m_current->isNew() ? effectiveParent(*m_current) : m_current->key;
         dropNew({});

@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString individus = data::moduleIndividus;
 
 QJsonObject changedValues(const EditedRecord& record)
 {

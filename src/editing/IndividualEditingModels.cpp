@@ -1,6 +1,7 @@
 // Named sets of values for new records, one line for each value (RecordModels.h). The value may hold ";" itself.
 #include "editing/IndividualEditingPrivate.h"
 
+#include "data/FieldType.h"
 #include "editing/RecordModels.h"
 
 namespace editing {
@@ -9,8 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString lineEnd = u"\r\n"_s;
-constexpr QChar lineInside(0x2028);
 const QString titleModels = u"Modèle"_s;
 
 /// The column that an item names, with or without its module.
@@ -18,6 +17,16 @@ QString columnOf(const QString& item, const QString& module)
 {
     const QString prefix = module + u'.';
     return item.startsWith(prefix, Qt::CaseInsensitive) ? item.mid(prefix.size()) : item;
+}
+
+/// A name stands in a model by its identifier.
+QVariant valueOf(const Cl_Edition& field, const QString& text)
+{
+    const int type = field.ctype();
+    bool number = false;
+    const qint32 id = text.toInt(&number);
+    const bool reference = type == data::Botaniste || type == data::Localité || type == data::Taxon;
+    return reference && number ? QVariant(id) : QVariant(text);
 }
 
 } // namespace
@@ -39,7 +48,7 @@ QString IndividualEditing::modelText(const EditedRecord& record) const
         if (values.contains(field->champ()) && !isReadOnly(record, *field))
             lines << modelLine(record.module, *field);
     }
-    return lines.join(lineEnd);
+    return lines.join(modelLineEnd);
 }
 
 int IndividualEditing::saveModel()
@@ -90,13 +99,13 @@ bool IndividualEditing::applyModel(int id)
         const QString text = guarded(titleModels, QString(), [&] {
             return m_tools.store.value(model.kind, model.module, model.name).toString();
         });
-        for (const QString& line : text.split(lineEnd, Qt::SkipEmptyParts)) {
+        for (const QString& line : text.split(modelLineEnd, Qt::SkipEmptyParts)) {
             const QString key = line.section(u';', 0, 0);
             Cl_Edition* field =
                 form(*m_current).Item(form(*m_current).Index(columnOf(line.section(u';', 1, 1), m_current->module)));
             if (!key.endsWith(u'-' + m_current->module) || !field || isReadOnly(*m_current, *field))
                 continue;
-            m_input.take(*field, line.section(u';', 2).replace(lineInside, u'\n'));
+            m_input.take(*field, valueOf(*field, line.section(u';', 2).replace(modelLineInside, u'\n')));
         }
         m_model = id;
         m_current->summary.clear();

@@ -7,6 +7,8 @@
 
 namespace editing {
 
+inline const QString& individus = data::moduleIndividus;
+
 inline const QString temporaryMarker = QStringLiteral("HBTEMP");
 
 /// Does the work; a refusal or failure is said under the title, and gives the neutral result.

@@ -12,7 +12,6 @@ using platform::BoxIcon;
 
 namespace {
 
-const QString individus = data::moduleIndividus;
 const QString titleSave = u"Enregistrements des propriétés"_s;
 
 /// As the column takes it.

@@ -13,7 +13,6 @@ using jet::nom;
 
 namespace {
 
-const QString individus = data::moduleIndividus;
 /// Fields whose values make the text of a node: so many are said, among so many first ones.
 constexpr int toldFields = 2, lookedAtFields = 5;
 

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// Bits of a field row that are entries of its context menu.
-constexpr qint32 menuBits = 4 | 8 | 16 | 32 | 64;
+constexpr qint32 storedMenuBits = 4 | 8 | 16 | 32 | 64;
 
 const QChar separator = u';';
 
@@ -25,7 +25,7 @@ addin::ChpEditionPtr fieldOf(const data::FieldRecord& field, const QString& modu
     chp->Caption = field.caption;
     chp->TextHelp = field.help;
     chp->NomModule = module;
-    chp->MenuFlags = field.flags & menuBits;
+    chp->MenuFlags = field.flags & storedMenuBits;
     chp->AllowNull = !field.required();
     chp->ChampUnique = field.unique();
     chp->ChampMixteUnique = field.partOfKey();

@@ -6,16 +6,9 @@ namespace editing {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QString lineEnd = u"\r\n"_s;
-constexpr QChar lineInside(0x2028);
-
-} // namespace
-
 QString modelLine(const QString& module, const Cl_Edition& field)
 {
-    const QString value = field.value().toString().replace(lineEnd, u"\n"_s).replace(u'\n', lineInside);
+    const QString value = field.value().toString().replace(modelLineEnd, u"\n"_s).replace(u'\n', modelLineInside);
     return u"0-"_s + module + u';' + module + u'.' + field.champ() + u';' + value;
 }
 
@@ -46,7 +39,7 @@ int createModel(const QString& module, const EditingContext& context, data::Prop
         dialogues.tell(u"Aucune valeur n'a été saisie : le modèle n'est pas créé"_s, title);
         return 0;
     }
-    return store.save({0, data::kindModèle, module, {}, lines.join(lineEnd)}, dialogues);
+    return store.save({0, data::kindModèle, module, {}, lines.join(modelLineEnd)}, dialogues);
 }
 
 } // namespace editing

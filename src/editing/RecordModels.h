@@ -7,9 +7,14 @@
 
 namespace editing {
 
+/// Between the lines of a model.
+inline const QString modelLineEnd = QStringLiteral("\r\n");
+/// Stands for a line end inside a value.
+constexpr QChar modelLineInside(0x2028);
+
 /// The line of a model's text that stands for the value of a field: the key of the record ("0-" and the module, for
 /// whichever record it is applied to), the field ("Mesures.Hauteur") and the value, joined by ";". Line ends inside
-/// the value are written as U+2028.
+/// the value are written as modelLineInside.
 QString modelLine(const QString& module, const Cl_Edition& field);
 /// What a model may preset: a link leads to records of one individual, a unique value is given once.
 bool isPreset(const Cl_Edition& field);

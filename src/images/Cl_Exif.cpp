@@ -22,7 +22,6 @@ Q_LOGGING_CATEGORY(exifLog, "herbora.exif", QtInfoMsg)
 
 constexpr int tagDescription = 270;
 constexpr int tagArtist = 315;
-constexpr int tagThumbnail = 20507;
 constexpr int tagExifVersion = 36864;
 constexpr int tagDateTaken = 36867;
 constexpr int tagDateDigitised = 36868;

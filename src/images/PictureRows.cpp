@@ -1,5 +1,6 @@
 #include "images/PictureRows.h"
 
+#include "jet/Cancelled.h"
 #include "jet/Recordset.h"
 
 namespace images {
@@ -8,7 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int cancelledByUser = 3059;
 constexpr qint64 rowsAtOnce = 500;
 
 } // namespace
@@ -23,7 +23,7 @@ std::unique_ptr<PictureRows> readPictures(jet::Database& database, const QString
         jet::fail(3265, id < 0 ? u"ChpID"_s : u"Chp1"_s);
     while (!set->EOF_()) {
         if (progression.cancelled())
-            jet::fail(cancelledByUser);
+            jet::fail(jet::cancelledError);
         for (const std::vector<QVariant>& row : set->GetRows(rowsAtOnce)) {
             const QString file = row[size_t(name)].toString();
             if (!file.isEmpty())

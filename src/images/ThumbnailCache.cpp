@@ -29,7 +29,6 @@ constexpr int embeddedQuality = 50;
 constexpr int mostEmbedded = 1600;
 /// A longer one has no room in the table: its thumbnail is made each time.
 constexpr int longestName = 255;
-constexpr int tagThumbnail = 20507;
 constexpr int tagOrientation = 274;
 
 /// The numbers by which the engine says that a file is none of ours (a wrong password, another kind of file), or

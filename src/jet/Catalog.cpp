@@ -1,10 +1,10 @@
 #include "jet/Catalog.h"
 
 #include "jet/Compile.h"
+#include "jet/JetLog.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QLoggingCategory>
 #include <QSet>
 
 namespace jet {
@@ -12,8 +12,6 @@ namespace jet {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
 
 const QString layout = u"CREATE TABLE MSysSettings(Name TEXT PRIMARY KEY, Value ANY) STRICT, WITHOUT ROWID;"
                         "CREATE TABLE MSysTables(Name TEXT PRIMARY KEY, DateCreate TEXT NOT NULL) STRICT, WITHOUT ROWID;"

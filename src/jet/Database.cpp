@@ -5,20 +5,18 @@
 #include "jet/DatabasePrivate.h"
 #include "jet/DefinitionWriter.h"
 #include "jet/FileProbe.h"
+#include "jet/JetLog.h"
 #include "jet/Password.h"
 #include "jet/text/TextOrder.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLoggingCategory>
 
 namespace jet {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
 
 QString lockPath(const QString& path)
 {

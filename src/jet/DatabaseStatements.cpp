@@ -1,20 +1,18 @@
 // Statements, record sets and named operations of a Database.
 #include "jet/DatabasePrivate.h"
+#include "jet/JetLog.h"
 #include "jet/KeyedRows.h"
 #include "jet/RecordsetPrivate.h"
 #include "jet/SpooledRows.h"
 #include "jet/SqlText.h"
 #include "jet/TableRows.h"
 
-#include <QLoggingCategory>
 
 namespace jet {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
 
 QString savepoint(qsizetype depth)
 {

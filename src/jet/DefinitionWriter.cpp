@@ -1,19 +1,17 @@
 #include "jet/DefinitionWriter.h"
 
 #include "jet/Compile.h"
+#include "jet/JetLog.h"
 #include "jet/TableSql.h"
 #include "jet/Triggers.h"
 #include "jet/sql/Parser.h"
 
-#include <QLoggingCategory>
 
 namespace jet {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet")
 
 bool usesField(const Index& index, QStringView field)
 {

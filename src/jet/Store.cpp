@@ -1,21 +1,21 @@
 #include "jet/Store.h"
 
 #include "jet/Functions.h"
+#include "jet/JetLog.h"
 #include "jet/text/Values.h"
 
 #include <QDateTime>
 #include <QFile>
-#include <QLoggingCategory>
 #include <mutex>
 #include <sqlite3.h>
 
 namespace jet {
 
+Q_LOGGING_CATEGORY(jetLog, "herbora.jet", QtInfoMsg)
+
 using namespace Qt::StringLiterals;
 
 namespace {
-
-Q_LOGGING_CATEGORY(jetLog, "herbora.jet", QtInfoMsg)
 
 // --- What SQLite itself reports --------------------------------------------------------------
 

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString keySql(const Field& field)
+QString seekSql(const Field& field)
 {
     return isText(field.Type) ? u"jet_key(%1)"_s.arg(quoted(field.Name)) : quoted(field.Name);
 }
@@ -52,7 +52,7 @@ void TableRows::setIndex(const Index* index)
             const Field* field = m_table.field(column.Name);
             if (!field)
                 fail(3015, index->Name, m_table.Name);
-            m_keys.push_back({keySql(*field), field->Type, column.Descending});
+            m_keys.push_back({seekSql(*field), field->Type, column.Descending});
         }
     }
     m_keys.push_back({m_rowIdSql});

@@ -1,5 +1,6 @@
 #include "map/PointLoading.h"
 
+#include "jet/Cancelled.h"
 #include "jet/Recordset.h"
 
 namespace map {
@@ -9,12 +10,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 rowsAtOnce = 2000;
-constexpr int cancelledError = 3059;
 
 void checkpoint(const platform::Progression& progression)
 {
     if (progression.cancelled())
-        jet::fail(cancelledError);
+        jet::fail(jet::cancelledError);
 }
 
 using Row = std::vector<QVariant>;

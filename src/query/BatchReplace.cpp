@@ -14,7 +14,7 @@ using jet::nom;
 namespace {
 
 const QString taxonColumn = u"ID Taxons"_s;
-constexpr qint64 pieceSize = 1000;
+constexpr qint64 rowsAtOnce = 1000;
 
 } // namespace
 
@@ -171,7 +171,7 @@ ReplaceCounts replaceCounts(jet::Database& database, const ReplacePlan& plan)
     result.missed = count(plan.open) - result.changed;
     const auto values = database.OpenRecordset(plan.values);
     while (!values->EOF_()) {
-        for (const std::vector<QVariant>& row : values->GetRows(pieceSize)) {
+        for (const std::vector<QVariant>& row : values->GetRows(rowsAtOnce)) {
             bool same = true;
             for (size_t i = 0; i + 1 < row.size(); i += 2)
                 same = same && cellText(row[i]) == cellText(row[i + 1]) && row[i].isValid() == row[i + 1].isValid();

@@ -3,8 +3,8 @@
 
 #include "data/FieldType.h"
 #include "jet/SqlText.h"
+#include "query/QueryLog.h"
 
-#include <QLoggingCategory>
 
 namespace query {
 
@@ -13,7 +13,6 @@ using jet::nom;
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "herbora.query")
 
 const QString base = u"[@@BASEHB@@]"_s;
 
@@ -24,7 +23,7 @@ Text trapped(const Text& neutral, const std::function<Text()>& work)
     try {
         return work();
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << error.description();
+        qCWarning(queryLog).noquote() << error.description();
         return neutral;
     }
 }
@@ -129,7 +128,7 @@ QString Structure::ensureCountQuery(const QString& module) const
             m_database.CreateQueryDef(name, countStatement(module));
         }
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << name << error.description();
+        qCWarning(queryLog).noquote() << name << error.description();
     }
     return name;
 }

@@ -1,16 +1,17 @@
 #include "query/Query.h"
 
 #include "jet/Recordset.h"
+#include "query/QueryLog.h"
 
-#include <QLoggingCategory>
 
 namespace query {
+
+Q_LOGGING_CATEGORY(queryLog, "herbora.query")
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "herbora.query")
 
 const QString limitTitle = u"Limitation Access"_s;
 const QString limitText =
@@ -197,9 +198,9 @@ QString Query::trapped(const std::function<QString()>& work) const
     } catch (const TooManyRows&) {
         m_world.dialogues.tell(limitText, limitTitle, platform::BoxIcon::Warning);
     } catch (const RowRefused& refused) {
-        qCInfo(log).noquote() << refused.text;
+        qCInfo(queryLog).noquote() << refused.text;
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << error.description();
+        qCWarning(queryLog).noquote() << error.description();
     }
     return {};
 }

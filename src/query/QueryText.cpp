@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString lineEnd = u"\r\n"_s;
+const QString textLineEnd = u"\r\n"_s;
 const QString columnLine = u"colonne"_s;
 const QString criterionLine = u"critère"_s;
 
@@ -142,7 +142,7 @@ QString textOf(const QueryDefinition& query, const Structure& structure)
         lines << (QStringList{criterionLine, numbering.next(row.depth), row.link, escaped(row.op), freeText(row.value)}
                   + fieldItems(structure, row.path, row.permanent))
                      .join(u'\t');
-    return lines.join(lineEnd);
+    return lines.join(textLineEnd);
 }
 
 QueryDefinition definitionFrom(const QString& text, const QString& module, const Structure& structure)
@@ -151,7 +151,7 @@ QueryDefinition definitionFrom(const QString& text, const QString& module, const
     query.module = module;
     QList<Criterion> rows;
     Placement placement;
-    for (const QString& line : text.split(lineEnd)) {
+    for (const QString& line : text.split(textLineEnd)) {
         const QStringList items = line.split(u'\t');
         if (items[0] == columnLine && items.size() > 2) {
             OutputColumn column{.path = {}, .alias = readFree(items[1]), .order = items[2], .permanent = {}};

@@ -1,12 +1,13 @@
 #include "query/Results.h"
 
+#include "jet/Cancelled.h"
 #include "jet/SqlText.h"
 #include "jet/text/Values.h"
 #include "platform/CsvExport.h"
+#include "query/QueryLog.h"
 
 #include <QElapsedTimer>
 #include <QLocale>
-#include <QLoggingCategory>
 #include <numeric>
 
 namespace query {
@@ -15,12 +16,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "herbora.query")
 
 constexpr qint64 pieceSize = 64;     ///< Rows read at once for display.
 constexpr int piecesKept = 256;
 constexpr int wholeLook = 1000000000;
-constexpr int stoppedByUser = 3059;
 constexpr int deletedRecord = 3167;
 constexpr qint64 exportPiece = 1000; ///< The same for a file.
 constexpr int columnIndividu = 0;
@@ -97,10 +96,10 @@ bool Results::open(const QString& statement)
             m_marked.push_back(false);
         }
     } catch (const jet::Error& error) {
-        if (error.number() == stoppedByUser)
-            qCInfo(log).noquote() << error.description();
+        if (error.number() == jet::cancelledError)
+            qCInfo(queryLog).noquote() << error.description();
         else
-            qCWarning(log).noquote() << error.description();
+            qCWarning(queryLog).noquote() << error.description();
         clear();
         m_error = error;
     }
@@ -135,7 +134,7 @@ Results::Found Results::look(int milliseconds)
                 found.items.push_back(currentItem());
         }
     } catch (const jet::Error& error) {
-        qCInfo(log).noquote() << error.description();
+        qCInfo(queryLog).noquote() << error.description();
         found.error = error;
     }
     m_looked += double(timer.elapsed()) / 1000;
@@ -318,7 +317,7 @@ QVariant Results::value(qint64 number, int col)
     try {
         return row(number).at(size_t(m_shown[col]));
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << error.description();
+        qCWarning(queryLog).noquote() << error.description();
         return {};
     }
 }
@@ -382,7 +381,7 @@ qint32 Results::individu(qint64 number)
     try {
         return row(number).front().toInt();
     } catch (const jet::Error& error) {
-        qCWarning(log).noquote() << error.description();
+        qCWarning(queryLog).noquote() << error.description();
         return 0;
     }
 }
@@ -495,7 +494,7 @@ RowTexts Results::copyTexts(const QList<qint64>& rows, platform::Progression* pr
         while (end < rows.size() && rows[end] == rows[end - 1] + 1 && end - at < exportPiece)
             ++end;
         if (progression && progression->cancelled())
-            jet::fail(stoppedByUser);
+            jet::fail(jet::cancelledError);
         if (progression)
             progression->step(u"Copie des lignes"_s, int(100 * at / rows.size()));
         for (const Row& row : readWhole(rows[at], rows[end - 1] + 1)) {
@@ -571,7 +570,7 @@ bool Results::ExportCSV(platform::Dialogues& dialogues, const QString& file, boo
             },
             mark);
     } catch (const jet::Error& error) {
-        if (error.number() != stoppedByUser)
+        if (error.number() != jet::cancelledError)
             dialogues.tell(error.description(), exportTitle, platform::BoxIcon::Stop);
         return false;
     }

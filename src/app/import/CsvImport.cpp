@@ -3,6 +3,8 @@
 #include "app/Session.h"
 #include "app/import/ImportRows.h"
 #include "data/FieldType.h"
+#include "data/ReferenceTypes.h"
+#include "jet/Cancelled.h"
 #include "platform/ReplaceFile.h"
 
 #include <QFileInfo>
@@ -14,9 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-Q_LOGGING_CATEGORY(importLog, "herbora.importation", QtWarningMsg)
+Q_LOGGING_CATEGORY(csvLog, "herbora.importation", QtWarningMsg)
 
-constexpr int stoppedError = 3059;
 constexpr int unwritableError = 3051;
 constexpr qint64 linesBetweenLooks = 256;
 constexpr qsizetype mostUnknown = 5000;
@@ -75,7 +76,7 @@ void walk(CsvReader& reader, platform::Progression& progression, const QString& 
     for (qint64 row = 0; reader.next(); ++row) {
         if (row % linesBetweenLooks == 0) {
             if (progression.cancelled())
-                jet::fail(stoppedError);
+                jet::fail(jet::cancelledError);
             if (const int percent = reader.percent() * toTheEnd / 100; percent != told)
                 progression.step(text, told = percent);
         }
@@ -83,15 +84,10 @@ void walk(CsvReader& reader, platform::Progression& progression, const QString& 
     }
 }
 
-bool isReference(int type)
-{
-    return type == data::Botaniste || type == data::Localité || type == data::Taxon;
-}
-
 /// Type of the names in a column; 0 for a column that holds none.
 int nameType(const ImportField& field)
 {
-    return field.key == importParent ? int(data::Localité) : isReference(field.type) ? field.type : 0;
+    return field.key == importParent ? int(data::Localité) : data::isReference(field.type) ? field.type : 0;
 }
 
 void checkShape(const CsvReader& reader)
@@ -204,7 +200,7 @@ ImportReport CsvImport::run(const ImportPlan& plan, platform::Progression& progr
         job.report.refusedFile = refusedFile.commit();
     }
     progression.step(rehearsal ? u"Essai terminé"_s : u"Importation terminée"_s, 100);
-    qCInfo(importLog) << job.report.rows << "rows" << job.report.added << "added" << job.report.refused << "refused";
+    qCInfo(csvLog) << job.report.rows << "rows" << job.report.added << "added" << job.report.refused << "refused";
     return job.report;
 }
 

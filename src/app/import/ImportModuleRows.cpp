@@ -3,6 +3,7 @@
 #include "app/import/ImportRows.h"
 #include "data/FieldType.h"
 #include "data/RecordRules.h"
+#include "data/ReferenceTypes.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
 #include "jet/text/TextOrder.h"
@@ -18,11 +19,6 @@ namespace {
 const QString individus = data::moduleIndividus;
 const QString determinations = data::moduleDéterminations;
 constexpr qint64 pageOfRows = 4096;
-
-bool isReference(int type)
-{
-    return type == data::Botaniste || type == data::Localité || type == data::Taxon;
-}
 
 class ModuleRows : public ImportRows {
 public:
@@ -136,7 +132,7 @@ private:
             return;
         const QString cell = cells.value(column.position);
         QVariant value = column.values->read(cell);
-        if (value.isValid() && isReference(field.type)) {
+        if (value.isValid() && data::isReference(field.type)) {
             const std::optional<qint32> id = m_job.resolve(field.type, value.toString(), field.caption);
             value = id ? QVariant(*id) : QVariant();
         }

@@ -1,6 +1,7 @@
 #include "app/import/ImportValues.h"
 
 #include "data/FieldType.h"
+#include "data/ReferenceTypes.h"
 #include "editing/Formats.h"
 #include "editing/ProjectRecords.h"
 
@@ -20,11 +21,6 @@ bool isSpace(QChar c)
 bool isDigit(QChar c)
 {
     return c >= u'0' && c <= u'9';
-}
-
-bool isReference(int type)
-{
-    return type == data::Botaniste || type == data::Localité || type == data::Taxon;
 }
 
 bool isCoordinate(int type)
@@ -102,7 +98,7 @@ QVariant ImportValues::read(const QString& cell)
         return readYesNo(trimmed);
     if (isCoordinate(m_field.type))
         return readCoordinate(trimmed);
-    if (isReference(m_field.type))
+    if (data::isReference(m_field.type))
         return trimmed;
     if (m_field.type == data::Réel || m_field.type == data::Entier) {
         double number = 0;

@@ -1,6 +1,7 @@
 #include "app/structure/ValueConversion.h"
 
 #include "data/FieldType.h"
+#include "data/ReferenceTypes.h"
 #include "editing/Formats.h"
 #include "jet/Recordset.h"
 #include "jet/text/Values.h"
@@ -16,11 +17,6 @@ namespace {
 
 constexpr ConvertedValue::Outcome exact = ConvertedValue::Exact;
 const ConvertedValue impossible{{}, ConvertedValue::Impossible};
-
-bool isReference(int type)
-{
-    return type == data::Botaniste || type == data::Localité || type == data::Taxon;
-}
 
 bool isYesNo(int type) { return type == data::OuiNon; }
 
@@ -206,9 +202,9 @@ ConvertedValue ValueConversion::operator()(const QVariant& value) const
         return impossible;
     if (m_from == m_to)
         return {value, exact};
-    if (isReference(m_from)) {
+    if (data::isReference(m_from)) {
         // Numbers of rows mean nothing elsewhere; their names do.
-        if (isReference(m_to))
+        if (data::isReference(m_to))
             return impossible;
         readNames(m_from);
         const auto name = m_names.constFind(value.toInt());
@@ -220,7 +216,7 @@ ConvertedValue ValueConversion::operator()(const QVariant& value) const
                                || m_to == data::Latitude || m_to == data::OuiNon;
         if (toNumbers)
             return fromNumber(number ? value.toDouble() : value.toBool() ? 1 : 0);
-        return isReference(m_to) || m_to == data::Date ? (number ? fromText(shown(value)) : impossible)
+        return data::isReference(m_to) || m_to == data::Date ? (number ? fromText(shown(value)) : impossible)
                                                         : fromText(shown(value));
     }
     return fromText(value.toString());
@@ -233,7 +229,7 @@ QString ValueConversion::shown(const QVariant& value) const
         return value.toBool() ? u"Oui"_s : u"Non"_s;
     case QMetaType::Int:
     case QMetaType::Double:
-        if (isReference(m_from)) {
+        if (data::isReference(m_from)) {
             readNames(m_from);
             return m_names.value(value.toInt(), value.toString());
         }

@@ -2,6 +2,7 @@
 
 #include "app/Session.h"
 #include "data/FieldType.h"
+#include "jet/Cancelled.h"
 #include "jet/SqlText.h"
 
 #include <QLocale>
@@ -19,7 +20,6 @@ Q_LOGGING_CATEGORY(gridLog, "herbora.grid")
 
 /// Of each of its turns, so that the window stays quick.
 constexpr int countingMilliseconds = 8;
-constexpr int cancelledError = 3059;
 /// Longer texts are cut in a cell; the whole stands in the tip.
 constexpr qsizetype cellText = 300;
 constexpr qsizetype tipText = 2000;
@@ -154,7 +154,7 @@ void GridModel::refuse(std::exception_ptr failure)
         std::rethrow_exception(failure);
     } catch (const jet::Error& error) {
         qCInfo(gridLog).noquote() << m_source.title << error.number() << error.description();
-        if (error.number() != cancelledError)
+        if (error.number() != jet::cancelledError)
             Q_EMIT failed(error.description());
     } catch (const std::exception& error) {
         Q_EMIT failed(QString::fromUtf8(error.what()));

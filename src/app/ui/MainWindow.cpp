@@ -35,7 +35,7 @@ const QString partsKey = u"fenetre/etat"_s;
 /// Raised when docks or tool bars change, so that an older state is not taken.
 constexpr int partsVersion = 1;
 /// Work that ends sooner is not worth a bar.
-constexpr int patienceMilliseconds = 400;
+constexpr int barPatienceMilliseconds = 400;
 constexpr int messageMilliseconds = 6000;
 
 /// The first project file among what is dragged; empty for none.
@@ -168,7 +168,7 @@ void MainWindow::connectProgression()
     connect(m_progression, &platform::ProgressionBar::cancelRequested, &m_runner, &TaskRunner::cancel);
     auto* patience = new QTimer(this);
     patience->setSingleShot(true);
-    patience->setInterval(patienceMilliseconds);
+    patience->setInterval(barPatienceMilliseconds);
     connect(&m_runner, &TaskRunner::started, this, [this, patience] {
         m_progression->setCancellable(m_runner.isCancellable());
         patience->start();

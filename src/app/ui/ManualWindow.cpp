@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString contentsPage = u"index"_s;
-const QString geometryKey = u"manuel/etat"_s;
+const QString manualGeometryKey = u"manuel/etat"_s;
 
 /// What the windows and tabs are about, by their classes; the nearest above the focus counts.
 const std::pair<const char*, QString> pagesOfClasses[] = {
@@ -93,7 +93,7 @@ ManualWindow::ManualWindow(const QString& folder, WindowState& state, QWidget* p
     makeToolBar();
     fillContents();
     resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 42);
-    restoreGeometry(m_state.value(geometryKey).toByteArray());
+    restoreGeometry(m_state.value(manualGeometryKey).toByteArray());
 }
 
 void ManualWindow::makeToolBar()
@@ -208,7 +208,7 @@ QString ManualWindow::pageFor(const QWidget* widget)
 
 void ManualWindow::closeEvent(QCloseEvent* event)
 {
-    m_state.setValue(geometryKey, saveGeometry());
+    m_state.setValue(manualGeometryKey, saveGeometry());
     QMainWindow::closeEvent(event);
 }
 

@@ -27,7 +27,7 @@ namespace {
 
 const QString recordMime = u"application/x-herbora-enregistrements"_s;
 const QString selfEnd = u"-self"_s;
-constexpr int messageMilliseconds = 6000;
+constexpr int queryMessageMilliseconds = 6000;
 /// Fields with which records are shown when nobody chose any.
 constexpr int mostFields = 12;
 
@@ -252,7 +252,7 @@ void QueryDesk::addToSelection(const QString& module, const QList<qint32>& recor
     if (auto* window = qobject_cast<QMainWindow*>(&place().window()))
         window->statusBar()->showMessage(QString::number(selection.size() - before)
                                              + u" enregistrement(s) ajouté(s) à la sélection flottante"_s,
-                                         messageMilliseconds);
+                                         queryMessageMilliseconds);
 }
 
 void QueryDesk::projectOpened()
@@ -321,7 +321,7 @@ query::QueryTab* QueryDesk::add(const QString& key)
     });
     connect(tab, &query::QueryTab::said, this, [this](const QString& text) {
         if (auto* window = qobject_cast<QMainWindow*>(&place().window()))
-            window->statusBar()->showMessage(text, messageMilliseconds);
+            window->statusBar()->showMessage(text, queryMessageMilliseconds);
     });
     return tab;
 }

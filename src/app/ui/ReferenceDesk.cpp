@@ -7,6 +7,7 @@
 #include "app/ui/Icons.h"
 #include "app/ui/Photographer.h"
 #include "app/ui/WindowState.h"
+#include "jet/Cancelled.h"
 #include "reference/TaxonImport.h"
 #include "reference/ui/Chooser.h"
 #include "reference/ui/Form10.h"
@@ -27,7 +28,6 @@ namespace {
 
 const QString importTitle = u"Importation de taxons"_s;
 const QString importFilter = u"Listes de noms (*.tsv;*.txt)|*.tsv;*.txt|Tous les fichiers (*)|*|"_s;
-constexpr int stoppedError = 3059;
 
 class DesktopOpener : public reference::AddressOpener {
 public:
@@ -197,7 +197,7 @@ void ReferenceDesk::importTaxa()
                                         std::rethrow_exception(failure);
                                     place().dialogues().tell(report->text(), importTitle);
                                 } catch (const jet::Error& error) {
-                                    if (error.number() != stoppedError)
+                                    if (error.number() != jet::cancelledError)
                                         place().fail(importTitle, error.description());
                                 }
                                 place().written({u"Taxons"_s});

@@ -16,7 +16,7 @@ namespace {
 constexpr int columnCharacters = 124;
 constexpr int recentShown = 5;
 /// For the numbers of records, in the eyes of who waits for the page.
-constexpr int countingMilliseconds = 80;
+constexpr int pageCountingMilliseconds = 80;
 
 QFont titleFont(const QFont& base)
 {
@@ -241,7 +241,7 @@ void StartPage::count()
     spent.start();
     for (const auto& [key, button] : std::as_const(m_counted)) {
         // What a large file has no time for goes without its number.
-        const qint64 records = spent.elapsed() < countingMilliseconds ? m_count(key) : -1;
+        const qint64 records = spent.elapsed() < pageCountingMilliseconds ? m_count(key) : -1;
         if (records >= 0)
             button->setDescription(records == 0   ? u"Aucun enregistrement"_s
                                    : records == 1 ? u"1 enregistrement"_s

@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int patienceMilliseconds = 30;
+constexpr int retryMilliseconds = 30;
 
 } // namespace
 
@@ -64,7 +64,7 @@ void StructureDesk::open()
     if (place().runner().isRunning()) {
         // A sort or a copy is not worth waiting for.
         place().runner().cancel();
-        QTimer::singleShot(patienceMilliseconds, this, &StructureDesk::open);
+        QTimer::singleShot(retryMilliseconds, this, &StructureDesk::open);
         return;
     }
     if (!isOpen())
@@ -135,7 +135,7 @@ void StructureDesk::save()
         return;
     if (place().runner().isRunning()) {
         place().runner().cancel();
-        QTimer::singleShot(patienceMilliseconds, this, &StructureDesk::save);
+        QTimer::singleShot(retryMilliseconds, this, &StructureDesk::save);
         return;
     }
     review();

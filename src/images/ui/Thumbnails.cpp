@@ -16,7 +16,7 @@ namespace {
 
 /// A field season on a page or two: one scrolls rather than turns pages.
 constexpr qsizetype usualPerPage = 2000;
-constexpr int smallestSide = 80;
+constexpr int smallestShown = 80;
 constexpr int largestSide = 320;
 constexpr int sideStep = 20;
 
@@ -76,7 +76,7 @@ void Thumbnails::makePanels(QHBoxLayout& layout)
     size->setObjectName(u"thumbnailSize"_s);
     size->setAccessibleName(u"Taille des imagettes"_s);
     size->setToolTip(size->accessibleName());
-    size->setRange(smallestSide, largestSide);
+    size->setRange(smallestShown, largestSide);
     size->setSingleStep(sideStep);
     size->setPageStep(2 * sideStep);
     size->setValue(m_grid->side());

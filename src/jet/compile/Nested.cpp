@@ -35,9 +35,9 @@ QStringList outputKeys(const std::vector<Output>& outputs)
 }
 
 // Writes one SELECT that is not keyed.
-class Writer {
+class NestedWriter {
 public:
-    Writer(const BoundSelect& select, std::vector<OrderTerm> order, bool explicitOrder,
+    NestedWriter(const BoundSelect& select, std::vector<OrderTerm> order, bool explicitOrder,
            NestedForm form)
         : m_select(select), m_order(std::move(order)), m_explicit(explicitOrder), m_form(form),
           m_outputs(select.outputs), m_text(clauses(select))
@@ -193,7 +193,7 @@ Nested nestedSelect(BoundSelect& select, const std::vector<sql::OrderItem>& orde
     nested.keys = uniqueOutputs(select);
     nested.updatable =
         !select.grouped && !select.tree.top && select.tree.predicate != sql::Predicate::Distinct;
-    nested.sql = Writer(select, std::move(order), explicitOrder, form).text();
+    nested.sql = NestedWriter(select, std::move(order), explicitOrder, form).text();
     return nested;
 }
 

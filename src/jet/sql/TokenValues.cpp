@@ -6,7 +6,7 @@ namespace jet::sql {
 
 namespace {
 
-bool isDigit(QChar c)
+bool isDecimalDigit(QChar c)
 {
     return c >= u'0' && c <= u'9';
 }
@@ -55,7 +55,7 @@ private:
 int DateReader::number(qsizetype& digits)
 {
     digits = 0;
-    while (digits < m_text.size() && isDigit(m_text[digits]))
+    while (digits < m_text.size() && isDecimalDigit(m_text[digits]))
         ++digits;
     const int value = digits > 0 && digits <= 4 ? m_text.first(digits).toInt() : -1;
     m_text = m_text.sliced(digits);
@@ -114,7 +114,7 @@ std::optional<QDateTime> DateReader::read()
 {
     skipBlanks();
     qsizetype width = 0;
-    while (width < m_text.size() && isDigit(m_text[width]))
+    while (width < m_text.size() && isDecimalDigit(m_text[width]))
         ++width;
     const bool timeOnly = width < m_text.size() && m_text[width] == u':';
     if (!timeOnly && !readDate())

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr double usualPoints = 9, smallPoints = 7;
+constexpr double usualPoints = 9, crampedPoints = 7;
 constexpr double paddingMm = 1.2;
 constexpr double widestMm = 70;       ///< A column takes no more unbroken.
 constexpr double widestWordMm = 30;   ///< A longer word is broken.
@@ -117,7 +117,7 @@ void TablePrinter::arrange(const PrintedPage& page)
     if (room(m_natural) > page.size().width()) {
         preparePage(page.device(), true);
         if (room(m_least) > page.size().width())
-            measure(page, smallPoints);
+            measure(page, crampedPoints);
     }
     divide(page.size().width());
 }

@@ -1,6 +1,7 @@
 #include "query/ui/QueryTab.h"
 
 #include "editing/FormDialogue.h"
+#include "jet/Cancelled.h"
 #include "query/Cancellable.h"
 #include "query/ui/ReplaceDialog.h"
 #include "query/ui/ResultPrinting.h"
@@ -19,7 +20,6 @@ namespace {
 constexpr qsizetype mostUndo = 100;
 /// A query that ran in less is run again by itself when records changed.
 constexpr double quickSeconds = 1.5;
-constexpr int stoppedByUser = 3059;
 /// So many rows around the one that is opened make the list that "previous" and "next" walk.
 constexpr qint64 longestList = 2000;
 
@@ -543,7 +543,7 @@ void QueryTab::statistics()
                      if (self && !report->isEmpty())
                          self->m_around.world.dialogues.tell(*report, u"Statistiques de la requête"_s);
                  } catch (const jet::Error& error) {
-                     if (self && error.number() != stoppedByUser)
+                     if (self && error.number() != jet::cancelledError)
                          Q_EMIT self->failed(error.description());
                  }
              },

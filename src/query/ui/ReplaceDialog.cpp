@@ -1,6 +1,7 @@
 #include "query/ui/ReplaceDialog.h"
 
 #include "data/FieldType.h"
+#include "jet/Cancelled.h"
 #include "query/Cancellable.h"
 #include "query/ui/ExpressionDialog.h"
 
@@ -20,7 +21,6 @@ namespace {
 
 constexpr int pauseMilliseconds = 250;
 constexpr int previewRecords = 50;
-constexpr int stoppedByUser = 3059;
 
 QString countText(qint64 count, const QString& one, const QString& several)
 {
@@ -317,7 +317,7 @@ void ReplaceDialog::fail(std::exception_ptr failure)
     try {
         std::rethrow_exception(failure);
     } catch (const jet::Error& error) {
-        showNothing(error.number() == stoppedByUser ? u"L'aperçu a été interrompu."_s : error.description());
+        showNothing(error.number() == jet::cancelledError ? u"L'aperçu a été interrompu."_s : error.description());
     } catch (const RowRefused& refused) {
         showNothing(refused.text);
     }
@@ -368,7 +368,7 @@ void ReplaceDialog::run(const ReplacePlan& plan)
                                } catch (const RowRefused& refused) {
                                    dialogues->tell(refused.text, plan.title, platform::BoxIcon::Stop);
                                } catch (const jet::Error& error) {
-                                   if (error.number() != stoppedByUser)
+                                   if (error.number() != jet::cancelledError)
                                        dialogues->tell(error.description(), plan.title, platform::BoxIcon::Stop);
                                }
                            },

@@ -1,5 +1,6 @@
 #include "query/ui/ResultRun.h"
 
+#include "jet/Cancelled.h"
 #include "query/Cancellable.h"
 
 #include <QPointer>
@@ -13,7 +14,6 @@ namespace {
 
 constexpr int firstMilliseconds = 60; ///< After the first row, before anything is shown.
 constexpr int sliceMilliseconds = 80;
-constexpr int stoppedByUser = 3059;
 
 } // namespace
 
@@ -74,7 +74,7 @@ void ResultRun::start(jet::Database& database, const QString& statement, const Q
 
 void ResultRun::refuse(const jet::Error& error)
 {
-    if (error.number() == stoppedByUser)
+    if (error.number() == jet::cancelledError)
         Q_EMIT stopped();
     else
         Q_EMIT failed(error.description());

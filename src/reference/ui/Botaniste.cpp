@@ -15,7 +15,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(listLog, "herbora.reference.ui")
 
-constexpr qint64 pageOfRows = 400;
+constexpr qint64 peopleAtOnce = 400;
 
 } // namespace
 
@@ -73,7 +73,7 @@ void CollectorModel::readPage()
 {
     if (m_reading->EOF_())
         return;
-    for (const auto& values : m_reading->GetRows(pageOfRows))
+    for (const auto& values : m_reading->GetRows(peopleAtOnce))
         m_rows.push_back({values[0].toInt(), values[1].toString(), values[2].toString(), values[4].toString(), values[3].toBool()});
 }
 

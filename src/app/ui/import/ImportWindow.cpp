@@ -1,6 +1,7 @@
 #include "app/ui/import/ImportWindow.h"
 
 #include "app/Session.h"
+#include "jet/Cancelled.h"
 
 #include <QDialogButtonBox>
 #include <QPointer>
@@ -12,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int stoppedError = 3059;
 
 const QStringList& titles()
 {
@@ -214,7 +214,7 @@ void ImportWindow::work(const QString& text, std::function<void(platform::Progre
                                     if (self)
                                         done();
                                 } catch (const jet::Error& error) {
-                                    if (error.number() != stoppedError)
+                                    if (error.number() != jet::cancelledError)
                                         place.fail(u"Importer un tableau"_s, error.description());
                                 }
                             },

@@ -29,13 +29,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString geometryKey = u"structure/geometrie"_s;
+const QString structureGeometryKey = u"structure/geometrie"_s;
 const QString splitterKey = u"structure/volets"_s;
 const QString columnsKey = u"structure/colonnes"_s;
 constexpr int largestIcon = 64;
 constexpr int titleMargin = 18;
-constexpr int messageMilliseconds = 5000;
-constexpr int patienceMilliseconds = 30;
+constexpr int structureMessageMilliseconds = 5000;
+constexpr int structureRetryMilliseconds = 30;
 
 /// A sheet that may be higher than its place.
 QScrollArea* scrolled(QWidget* sheet, QWidget* owner)
@@ -397,7 +397,7 @@ void StructureWindow::whenFree(const std::function<void()>& work)
     if (!m_place.runner().isRunning())
         return work();
     m_place.runner().cancel();
-    QTimer::singleShot(patienceMilliseconds, this, [this, work] { whenFree(work); });
+    QTimer::singleShot(structureRetryMilliseconds, this, [this, work] { whenFree(work); });
 }
 
 void StructureWindow::addOne()
@@ -486,7 +486,7 @@ void StructureWindow::exportStructure()
     if (!path.endsWith(u".hbx"_s, Qt::CaseInsensitive))
         path += u".hbx"_s;
     if (m_editing.exportTo(path))
-        statusBar()->showMessage(u"Structure exportée : "_s + QFileInfo(path).fileName(), messageMilliseconds);
+        statusBar()->showMessage(u"Structure exportée : "_s + QFileInfo(path).fileName(), structureMessageMilliseconds);
 }
 
 void StructureWindow::importModules()
@@ -495,7 +495,7 @@ void StructureWindow::importModules()
     if (path.isEmpty())
         return;
     if (m_editing.importFrom(path))
-        statusBar()->showMessage(u"Modules importés"_s, messageMilliseconds);
+        statusBar()->showMessage(u"Modules importés"_s, structureMessageMilliseconds);
 }
 
 // --- Its end ---------------------------------------------------------------------------------------
@@ -534,7 +534,7 @@ bool StructureWindow::mayClose(const std::function<void()>& then)
 
 void StructureWindow::showSaved()
 {
-    statusBar()->showMessage(u"Structure enregistrée"_s, messageMilliseconds);
+    statusBar()->showMessage(u"Structure enregistrée"_s, structureMessageMilliseconds);
     showDraft();
     if (const auto then = std::exchange(m_then, {}))
         then();
@@ -568,7 +568,7 @@ void StructureWindow::closeEvent(QCloseEvent* event)
 void StructureWindow::restorePlaces()
 {
     resize(1320, 700);
-    restoreGeometry(m_place.state().value(geometryKey).toByteArray());
+    restoreGeometry(m_place.state().value(structureGeometryKey).toByteArray());
     if (!m_splitter->restoreState(m_place.state().value(splitterKey).toByteArray()))
         m_splitter->setSizes({930, 390});
     m_tree->header()->restoreState(m_place.state().value(columnsKey).toByteArray());
@@ -576,7 +576,7 @@ void StructureWindow::restorePlaces()
 
 void StructureWindow::saveGeometryOfWindow()
 {
-    m_place.state().setValue(geometryKey, saveGeometry());
+    m_place.state().setValue(structureGeometryKey, saveGeometry());
     m_place.state().setValue(splitterKey, m_splitter->saveState());
     m_place.state().setValue(columnsKey, m_tree->header()->saveState());
 }
