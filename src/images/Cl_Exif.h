@@ -8,9 +8,12 @@
 
 namespace images {
 
-/// Opens one picture, reads and writes its properties, takes out the small picture that cameras embed, saves
-/// it again. May be used in several threads, each with an object of its own. Properties go by their standard number. Nothing throws: a failure gives false and leaves the
-/// open picture as it was.
+/// The small picture that cameras embed.
+constexpr int tagThumbnail = 20507;
+
+/// Opens one picture, reads and writes its properties, takes out the small picture that cameras embed, saves it again.
+/// May be used in several threads, each with an object of its own. Properties go by their standard number. Nothing
+/// throws: a failure gives false and leaves the open picture as it was.
 class Cl_Exif {
 public:
     Cl_Exif();
@@ -25,7 +28,7 @@ public:
     /// True when the tag is there. By the type of the property: BYTE, SBYTE, UNDEFINED bytes (QByteArray); ASCII a text
     /// without closing zero (tags 36867 and 36868 a QDateTime); SHORT, SSHORT, LONG, SLONG, FLOAT lists of
     /// whole numbers; RATIONAL, SRATIONAL, DOUBLE lists of 32-bit words, numerator and denominator in turn. Tags 36864
-    /// and 40960 are texts, 20507 (embedded picture) and 37500 (maker note) bytes.
+    /// and 40960 are texts, tagThumbnail and 37500 (maker note) bytes.
     bool GetExifData(int tag, QVariant& value) const;
     /// Writes into the open picture, in memory: 270 (description) and 315 (artist) texts, 36867 (date taken) a
     /// QDateTime. Any other tag, and a date that is none, is refused.
