@@ -2,6 +2,8 @@
 
 #include "data/FieldType.h"
 #include "editing/Formats.h"
+#include "editing/SameText.h"
+#include "jet/Cancelled.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
 
@@ -22,9 +24,9 @@ Q_LOGGING_CATEGORY(listLog, "herbora.lists")
 const QString marker = u";_@HBVARTEMP@_;"_s;
 const QString titleAdd = u"Ajout d'un descripteur"_s;
 const QString titleRename = u"Modification d'un descripteur"_s;
+const QString titleMove = u"Ordre des descripteurs"_s;
 const QString titleDelete = u"Suppression d'un descripteur"_s;
 
-constexpr int cancelledError = 3059;
 constexpr int stepEvery = 256;
 
 /// A rule of the table, and no trouble with the file.
@@ -49,14 +51,9 @@ private:
     jet::Database& m_database;
 };
 
-bool same(const QString& a, const QString& b)
-{
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
-
 bool holds(const QStringList& items, const QString& text)
 {
-    return std::any_of(items.begin(), items.end(), [&](const QString& item) { return same(item, text.trimmed()); });
+    return std::any_of(items.begin(), items.end(), [&](const QString& item) { return sameText(item, text.trimmed()); });
 }
 
 /// An item inside a pattern in single quotes: wildcards stand for themselves, quotes are doubled.
@@ -113,6 +110,21 @@ void DescriptorLists::store(const ListField& field, const QStringList& items)
     m_store.put(data::kindDescripteur, field.module, field.column, normalized(items).join(u';'));
 }
 
+/// Stores a list whose records stay as they are; a failure is said.
+bool DescriptorLists::storeAlone(const ListField& field, const QStringList& items, const QString& title)
+{
+    try {
+        jet::Operation operation(m_database, title);
+        store(field, items);
+        operation.commit();
+        return true;
+    } catch (const jet::Error& error) {
+        qCWarning(listLog).noquote() << field.module << field.column << error.number() << error.description();
+        m_dialogues.tell(error.description(), title, BoxIcon::Stop);
+        return false;
+    }
+}
+
 bool DescriptorLists::add(const ListField& field)
 {
     const auto answer = m_dialogues.input(titleAdd, u"Nouveau descripteur pour le champ \""_s + field.caption + u"\" ?"_s);
@@ -126,8 +138,7 @@ bool DescriptorLists::add(const ListField& field)
                          titleAdd, BoxIcon::Stop);
         return false;
     }
-    store(field, list << text);
-    return true;
+    return storeAlone(field, list << text, titleAdd);
 }
 
 bool DescriptorLists::rename(const ListField& field, const QString& old)
@@ -200,7 +211,7 @@ bool DescriptorLists::remove(const ListField& field, const QString& item)
     if (!m_dialogues.confirm(question, titleDelete, BoxIcon::Warning))
         return false;
     QStringList list = items(field);
-    list.removeIf([&](const QString& other) { return same(other, item); });
+    list.removeIf([&](const QString& other) { return sameText(other, item); });
     return apply({field, item, QVariant(), list, titleDelete});
 }
 
@@ -212,8 +223,7 @@ bool DescriptorLists::move(const ListField& field, const QString& item, int by)
     if (at < 0 || to < 0 || to >= list.size())
         return false;
     list.move(at, to);
-    store(field, list);
-    return true;
+    return storeAlone(field, list, titleMove);
 }
 
 QStringList DescriptorLists::synchronise(const ListField& field)
@@ -265,10 +275,10 @@ void DescriptorLists::rewriteMultiple(const Change& change, platform::Progressio
         if (done++ % stepEvery == 0)
             progression.step(change.title, int(100 * done / count));
         if (progression.cancelled())
-            jet::fail(cancelledError, change.title);
+            jet::fail(jet::cancelledError, change.title);
         QStringList list = users->Value(0).toString().split(u';');
         for (QString& item : list) {
-            if (same(item.trimmed(), change.old))
+            if (sameText(item.trimmed(), change.old))
                 item = change.replacement.toString();
         }
         const QString text = normalized(list).join(u';');

@@ -49,6 +49,7 @@ public:
 
 private:
     void store(const ListField& field, const QStringList& items);
+    bool storeAlone(const ListField& field, const QStringList& items, const QString& title);
     QString usersStatement(const ListField& field, const QString& item) const;
     qint64 countUsers(const ListField& field, const QString& item) const;
     qint64 countExact(const ListField& field, const QString& item) const;

@@ -74,7 +74,7 @@ bool DescriptorPanel::eventFilter(QObject* watched, QEvent* event)
 
 QAction* DescriptorPanel::command(const QString& key) const
 {
-    return m_bar->findChild<QAction*>(key);
+    return m_bar->findChild<QAction*>(key == u"sup" ? u"delete"_s : key);
 }
 
 ListField DescriptorPanel::listField() const

@@ -21,7 +21,7 @@ public:
     void refresh();
     void setReadOnly(bool readOnly);
     QListWidget& list() { return *m_list; }
-    QAction* command(const QString& key) const; ///< "add", "edit", "delete", "up", "down", "selall", "selinv".
+    QAction* command(const QString& key) const; ///< "add", "edit", "delete" (also "sup"), "up", "down", "selall", "selinv".
     int commandsHeight() const { return m_bar->isHidden() ? 0 : m_bar->sizeHint().height(); }
     QVariant chosen() const; ///< The value that the marks, or the current row, stand for.
 
