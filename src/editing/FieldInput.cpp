@@ -48,9 +48,8 @@ QString unreadable(int type, const QString& text)
     if (isCoordinate(type) && !std::any_of(text.begin(), text.end(), isDigit))
         return type == data::Longitude ? u"Ce n'est pas une longitude. Exemples : W012°30'00, -12,5"_s
                                        : u"Ce n'est pas une latitude. Exemples : N05°07'30, 5,125"_s;
-    bool number = false;
-    text.toInt(&number);
-    if (isReference(type) && !number)
+    // Identifiers come as numbers. One that is typed is the beginning of a name ("12 km de Saül").
+    if (isReference(type))
         return u"Ce nom n'est pas dans la liste : choisissez-le parmi ceux qui sont proposés"_s;
     return {};
 }

@@ -337,6 +337,22 @@ TEST_F(IndividualEditingTest, RefreshAsksBeforeChangesAreLost)
     EXPECT_EQ(field(u"1-Individus"_s, u"Numéro"_s).value(), u"A1"_s);
 }
 
+TEST_F(IndividualEditingTest, ANewIndividualIsEmptiedWithAllThatIsUnderIt)
+{
+    ASSERT_TRUE(edit->EditItems(u"1-Individus;N"_s));
+    const QString root = edit->current()->key;
+    type(root, u"Numéro"_s, u"X"_s);
+    const QString image = edit->add(u"Images"_s)->key;
+    type(image, u"Légende"_s, u"port"_s);
+    project.dialogues.expectConfirm(u"Annuler toutes les modifications effectuées et recharger toutes les valeurs initiales depuis la base de données ?"_s,
+                                    u"Actualisation"_s, true);
+    EXPECT_TRUE(edit->refresh(RefreshScope::All));
+    EXPECT_FALSE(edit->ToSave());
+    EXPECT_FALSE(edit->record(image));
+    EXPECT_EQ(edit->current()->key, root);
+    EXPECT_FALSE(field(root, u"Numéro"_s).value().isValid());
+}
+
 TEST_F(IndividualEditingTest, ModelsKeepValuesForNewRecords)
 {
     ASSERT_TRUE(edit->EditItems(u"1-Individus;1"_s));
@@ -351,7 +367,7 @@ TEST_F(IndividualEditingTest, ModelsKeepValuesForNewRecords)
               u"0-Individus;Individus.Numéro;A1\r\n0-Individus;Individus.Longitude;-12.5\r\n"
               "0-Individus;Individus.Habitat;forêt\u2028dense\r\n0-Individus;Individus.Herbier;RB;P"_s);
     project.session.properties().put(u"Modèle"_s, u"Individus"_s, u"Ancien"_s,
-                                     u"0-Individus;Herbier;K\r\n0-Images;Légende;x\r\n0-Individus;Rien;1"_s);
+                                     u"0-Individus;Herbier;K\r\n0-Individus;Individus.ID Collecteurs;7\r\n0-Images;Légende;x\r\n0-Individus;Rien;1"_s);
     expectSave(u"à la propriété < Individu - N° 1 >"_s, Answer::No, BoxButtons::YesNoCancel);
     ASSERT_TRUE(edit->EditItems(u"1-Individus;N"_s));
     const platform::Choice choice{u"Modèle"_s, u"Sélectionnez le modèle que vous voulez utiliser"_s, u"Nom du Modèle"_s,
@@ -365,6 +381,8 @@ TEST_F(IndividualEditingTest, ModelsKeepValuesForNewRecords)
     project.dialogues.expectChoice(choice, QList<int>{0});
     EXPECT_TRUE(edit->loadModel());
     EXPECT_EQ(field(key, u"Herbier"_s).value(), u"K"_s);
+    EXPECT_EQ(field(key, u"ID Collecteurs"_s).value(), 7);
+    EXPECT_EQ(field(key, u"ID Collecteurs"_s).TextError(), QString());
 
     const QString rename = u"Renommer un modèle"_s;
     project.dialogues.expectInput(rename, u"Indiquer le nouveau nom du modèle"_s, u"Mission"_s, u"ancien"_s);

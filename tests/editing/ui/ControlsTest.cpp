@@ -296,6 +296,15 @@ TEST_F(ControlsTest, AnUnknownNameStaysAsTypedAndIsAnError)
     EXPECT_EQ(field->TextError(), QString());
 }
 
+TEST_F(ControlsTest, ANumberIsTheBeginningOfANameAndNoIdentifier)
+{
+    control(u"ID Localités"_s);
+    type(u"1"_s);
+    key(Qt::Key_Return);
+    EXPECT_EQ(field->value(), u"1"_s);
+    EXPECT_FALSE(field->TextError().isEmpty()) << "place 1 is Saül";
+}
+
 TEST_F(ControlsTest, ALinkLeadsToARecordOfTheIndividual)
 {
     world.described = [](const QString& module, qint32 id) { return module + QString::number(id); };
