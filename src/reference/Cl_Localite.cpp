@@ -1,6 +1,7 @@
 #include "reference/Cl_Localite.h"
 
 #include "jet/SqlText.h"
+#include "reference/PathCodes.h"
 
 #include <QLoggingCategory>
 
@@ -14,15 +15,6 @@ namespace {
 Q_LOGGING_CATEGORY(placesLog, "herbora.localites")
 
 const QString world = u"Monde"_s;
-
-QString stripped(QString code)
-{
-    while (code.startsWith(u'/'))
-        code.remove(0, 1);
-    while (code.endsWith(u'/'))
-        code.chop(1);
-    return code;
-}
 
 } // namespace
 
@@ -65,10 +57,18 @@ QString Cl_Localité::NomCarte(qint32 id) const
     return position(id) ? text(u"ImageRegion"_s) : m_folder + u"/Globe.gif"_s;
 }
 
+/// The two columns cannot be empty: a place at 0, 0 was never given a position.
+bool Cl_Localité::hasPosition() const
+{
+    return value(u"ID Type"_s).toInt() < 0 || value(u"LongDD"_s).toDouble() != 0 || value(u"LatDD"_s).toDouble() != 0;
+}
+
 Cl_Localité::Coordinates Cl_Localité::Coordonnées(qint32 id) const
 {
     if (!position(id))
         return {};
+    if (!hasPosition())
+        return {{}, {}, value(u"Altitude"_s), value(u"SizeLongDD"_s), value(u"SizeLatDD"_s)};
     return {value(u"LongDD"_s), value(u"LatDD"_s), value(u"Altitude"_s), value(u"SizeLongDD"_s), value(u"SizeLatDD"_s)};
 }
 
@@ -122,6 +122,7 @@ void Cl_Localité::RefrsNomEntier(qint32 id)
     for (; !rows->EOF_(); rows->MoveNext()) {
         rows->Edit();
         rows->SetValue(u"Nom Entier", name + u" - "_s + rows->Value(u"Localité").toString());
+        rows->SetValue(u"DateModify", now());
         rows->Update();
     }
 }

@@ -46,12 +46,14 @@ public:
     struct Coordinates {
         QVariant LongDD, LatDD, Altitude, SizeLongDD, SizeLatDD;
     };
-    Coordinates Coordonnées(qint32 id) const;
+    Coordinates Coordonnées(qint32 id) const; ///< Longitude and latitude are Null where the place was given none.
     QString FillTabEdit(editing::Cl_Editions& form, qint32 id);
     /// Writes the form of the current record, or of a new row under `parent` when there is none.
     bool Save(editing::Cl_Editions& form, qint32 parent);
 
 private:
+    bool hasPosition() const; ///< Of the current record.
+    bool isHalfPlaced(editing::Cl_Editions& form) const;
     QString codeUnder(qint32 parent, qint32 id) const;
     QString fullName(const QString& code, const QString& name) const;
     void RefrsNomEntier(qint32 id);

@@ -54,7 +54,7 @@ const QList<FormField>& calibrationFields()
     return fields;
 }
 
-/// The two columns that a place cannot be without; what is not typed is 0.
+/// The two columns that a place cannot be without: one that has no position holds 0 in both.
 bool isCoordinate(const QString& column)
 {
     return column == u"LongDD" || column == u"LatDD";
@@ -66,9 +66,12 @@ QString Cl_Localité::FillTabEdit(editing::Cl_Editions& form, qint32 id)
 {
     form.Clear();
     const bool known = position(id);
-    for (const FormField& field : placeFields())
-        form.Add(field.type, field.caption, known ? value(field.column) : QVariant(), field.help, field.column,
-                 field.column != u"Localité" && !isCoordinate(field.column), 0);
+    const bool placed = known && hasPosition();
+    for (const FormField& field : placeFields()) {
+        const bool held = isCoordinate(field.column) ? placed : known;
+        form.Add(field.type, field.caption, held ? value(field.column) : QVariant(), field.help, field.column,
+                 field.column != u"Localité", 0);
+    }
     for (const auto& field : form)
         field->ChpEdition()->Changed = false;
     return known ? NomLocalité(id, 1) : u"Monde (Nouvelle Localité)"_s;
@@ -79,7 +82,10 @@ qint32 Cl_Localité::saveRow(const editing::Cl_Editions& form, qint32 id, qint32
     const QString before = position(id) ? text(u"Localité"_s) : QString();
     QList<QPair<QString, QVariant>> values;
     for (const FormField& field : placeFields()) {
-        if (const editing::Cl_Edition* edited = form.Item(field.column))
+        const editing::Cl_Edition* edited = form.Item(field.column);
+        if (edited && isCoordinate(field.column) && !edited->value().isValid())
+            values.append({field.column, 0.0});
+        else if (edited)
             values.append({field.column, edited->value()});
     }
     const QString name = form.Item(u"Localité"_s)->value().toString();
@@ -99,6 +105,17 @@ qint32 Cl_Localité::saveRow(const editing::Cl_Editions& form, qint32 id, qint32
     return saved;
 }
 
+/// One coordinate without the other is no position; the field that is missing says so.
+bool Cl_Localité::isHalfPlaced(editing::Cl_Editions& form) const
+{
+    editing::Cl_Edition* longitude = form.Item(u"LongDD"_s);
+    editing::Cl_Edition* latitude = form.Item(u"LatDD"_s);
+    if (!longitude || !latitude || longitude->value().isValid() == latitude->value().isValid())
+        return false;
+    (longitude->value().isValid() ? latitude : longitude)->setTextError(u"Indiquez la longitude et la latitude, ou aucune des deux"_s);
+    return true;
+}
+
 bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
 {
     const qint32 id = current();
@@ -108,6 +125,8 @@ bool Cl_Localité::Save(editing::Cl_Editions& form, qint32 parent)
             if (!field->valid())
                 return false;
         }
+        if (isHalfPlaced(form))
+            return false;
         const qint32 saved = saveRow(form, id, parent);
         editing::Cl_Editions fresh(m_context.editing);
         FillTabEdit(fresh, saved);

@@ -46,6 +46,34 @@ TEST_F(LocaliteTest, KeepsPathCodesAndNames)
     EXPECT_EQ(codes().mid(1, 2), (QStringList{u"1/2|1|France - L'Hérault"_s, u"1/2/3|2|L'Hérault - Montpellier"_s}));
 }
 
+TEST_F(LocaliteTest, WhoeverIsRenamedAlongIsStamped)
+{
+    project.db().Execute(u"UPDATE Localités SET DateModify=\"1999/01/01 00:00:00\""_s);
+    form.steps.push_back({{{u"Localité"_s, u"Gaule"_s}}});
+    EXPECT_TRUE(places->Edit(1));
+    EXPECT_EQ(project.rows(u"SELECT DateModify FROM Localités ORDER BY [ID Localités]"_s),
+              (QStringList{u"2026/03/07 14:05:09"_s, u"2026/03/07 14:05:09"_s, u"1999/01/01 00:00:00"_s, u"1999/01/01 00:00:00"_s}))
+        << "itself and its children, nothing deeper";
+}
+
+TEST_F(LocaliteTest, APlaceNeedsNoPosition)
+{
+    form.steps.push_back({{{u"Localité"_s, u"Europe"_s}}});
+    EXPECT_TRUE(places->Add(0));
+    const qint32 id = places->IDcLocalité();
+    EXPECT_EQ(project.rows(u"SELECT LongDD,LatDD FROM Localités WHERE [ID Localités]=5"_s), QStringList{u"0|0"_s});
+    EXPECT_FALSE(places->Coordonnées(id).LongDD.isValid());
+    EXPECT_FALSE(places->Coordonnées(id).LatDD.isValid());
+    form.steps.push_back({{{u"LatDD"_s, 0}}}); // one without the other
+    EXPECT_FALSE(places->Edit(id));
+    form.steps.push_back({{{u"LongDD"_s, 12.5}, {u"LatDD"_s, 0}}}); // on the equator
+    EXPECT_TRUE(places->Edit(id));
+    EXPECT_EQ(places->Coordonnées(id).LatDD, 0.0);
+    form.steps.push_back({{{u"LongDD"_s, QVariant()}, {u"LatDD"_s, QVariant()}}}); // taken back
+    EXPECT_TRUE(places->Edit(id));
+    EXPECT_EQ(project.rows(u"SELECT LongDD,LatDD FROM Localités WHERE [ID Localités]=5"_s), QStringList{u"0|0"_s});
+}
+
 TEST_F(LocaliteTest, ListsTheHierarchyWithoutMaps)
 {
     const qint32 map = places->AddCarte(1, u"Carte de France"_s, {-5, 51, 9, 42}, u"france.png"_s);
