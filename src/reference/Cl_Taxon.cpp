@@ -84,7 +84,7 @@ qint32 Cl_Taxon::IDparent(qint32 id) const
     if (id <= 0 || !position(id))
         return -1;
     const int rank = RangTaxon();
-    return rank <= 1 ? 0 : IDRangTaxon(id, rank - 1);
+    return rank == 1 ? 0 : IDRangTaxon(id, rank - 1); // -1 for a damaged row, which has no rank
 }
 
 /// Each step begins at -1 and takes the row's `ID Valid`; with `follow` the steps go on until one gives

@@ -73,6 +73,7 @@ private:
     QString fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent, int rank);
     void addParents(editing::Cl_Editions& form, qint32 above, int rank, bool known);
     bool editNew(qint32 parent, int rank, const QString& name);
+    bool hasPlace(editing::Cl_Editions& form, int rank, qint32 parent) const;
     int rankOfForm(const editing::Cl_Editions& form) const;
     qint32 parentOfForm(const editing::Cl_Editions& form, int rank) const;
     qint32 saveWithNames(const editing::Cl_Editions& form, qint32 id, int rank, qint32 parent);

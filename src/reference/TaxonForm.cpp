@@ -2,6 +2,8 @@
 #include "reference/Cl_Taxon.h"
 
 #include "data/FieldType.h"
+#include "data/OrNull.h"
+#include "editing/Formats.h"
 #include "jet/text/Values.h"
 
 #include <QLoggingCategory>
@@ -9,6 +11,7 @@
 namespace reference {
 
 using namespace Qt::StringLiterals;
+using data::orNull;
 
 namespace {
 
@@ -34,9 +37,12 @@ QString newTitle(int rank)
     return rank >= 1 && rank <= lowestRank ? titles[rank - 1] : u"Nouveau taxon"_s;
 }
 
-QVariant orNull(const QString& text)
+/// The type of a field on a column of dates. What an older file holds there may be more than a date
+/// ("Sp. Pl. 2: 995. 1753"), which a date field would drop.
+int dateOrText(const QVariant& held)
 {
-    return text.isEmpty() ? QVariant() : QVariant(text);
+    const QString text = held.toString();
+    return text.isEmpty() || editing::ParseDate(text) == text ? data::Date : data::Texte;
 }
 
 const QStringList& textColumns()
@@ -87,7 +93,8 @@ QString Cl_Taxon::fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent,
     form.Item(fieldValid)->setLocked(true); // the synonymy has a form of its own
     form.Add(Texte, u"Nom"_s, now(u"Taxon"_s), namePrompt(rank), u"Nom Complet"_s, false, 0);
     form.Add(Texte, u"Auteur(s) "_s, now(u"Auteurs"_s), u"Nom du ou des Auteur(s) "_s, u"Auteurs"_s, true, 0);
-    form.Add(Date, u"Date Publication"_s, now(u"DateOriginal"_s), u"Date de la publication originale"_s,
+    const QVariant published = now(u"DateOriginal"_s);
+    form.Add(dateOrText(published), u"Date Publication"_s, published, u"Date de la publication originale"_s,
              u"DateOriginal"_s, true, 0);
     form.Add(Texte, u"Echantillon Type"_s, now(u"TypeSpecimen"_s), u"Indiquez le numéro de l'échantillon Type"_s,
              u"TypeSpecimen"_s, true, 0);
@@ -161,6 +168,23 @@ qint32 Cl_Taxon::saveWithNames(const editing::Cl_Editions& form, qint32 id, int 
     return saved;
 }
 
+/// The rank goes with the parent; where it does not, the field that is wrong says so.
+bool Cl_Taxon::hasPlace(editing::Cl_Editions& form, int rank, qint32 parent) const
+{
+    editing::Cl_Edition* selector = rank > 1 ? form.Item(champ(rank - 1)) : nullptr;
+    for (editing::Cl_Edition* field : {selector, form.Item(fieldRank)}) {
+        if (field)
+            field->setTextError({});
+    }
+    if (rank == 1 || (rank > 1 && OrdreTaxon(parent) == rank - 1))
+        return true;
+    if (selector)
+        selector->setTextError(u"Ce n'est pas un nom de ce rang : "_s + Ordre(rank - 1));
+    else if (editing::Cl_Edition* field = form.Item(fieldRank))
+        field->setTextError(rank == 0 ? u"Indiquez le rang"_s : u"Un nom de ce rang ne peut être ajouté à cet endroit"_s);
+    return false;
+}
+
 bool Cl_Taxon::Save(editing::Cl_Editions& form)
 {
     m_failure = 0;
@@ -176,7 +200,7 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
         const int rank = rankOfForm(form);
         const qint32 parent = parentOfForm(form, rank);
         const editing::Cl_Edition* authors = form.Item(u"Auteurs"_s);
-        if (rank == 0 || (rank > 1 && OrdreTaxon(parent) != rank - 1)
+        if (!hasPlace(form, rank, parent)
             || !ValidNomTaxon(storedName(name->value().toString(), rank),
                               authors ? authors->value().toString() : QString(), parent, id)) {
             position(id);
@@ -248,7 +272,7 @@ bool Cl_Taxon::EditSynonymie(qint32 synonym, qint32 valid)
     form.Add(Taxon, u"Taxon Synonyme"_s, synonym, {}, u"Taxon Synonyme"_s, false, 0);
     form.Item(u"Taxon Synonyme"_s)->setLocked(true);
     form.Add(Texte, u"Auteur(s) de la synonymie"_s, authors, u"Auteur(s) de la mise en synonymie"_s, u"AuteurSynonymie"_s, true, 0);
-    form.Add(Date, u"Date de la synonymie"_s, date, u"Date de la mise en synonymie"_s, u"DateSynonymie"_s, true, 0);
+    form.Add(dateOrText(date), u"Date de la synonymie"_s, date, u"Date de la mise en synonymie"_s, u"DateSynonymie"_s, true, 0);
     form.Add(TexteMémo, u"Commentaire"_s, comment, {}, u"CommentSynonymie"_s, true, 0);
     return m_context.form->edit(u"Synonymie"_s, form, [&](editing::Cl_Editions& f) {
         const qint32 accepted = f.Item(0)->value().toInt();

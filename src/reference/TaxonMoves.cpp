@@ -87,7 +87,7 @@ bool Cl_Taxon::moveOne(qint32 moved, qint32 target, const QList<qint32>& all, bo
 {
     const int movedRank = OrdreTaxon(moved);
     const int targetRank = OrdreTaxon(target);
-    if (movedRank == 0 || targetRank == 0)
+    if (movedRank == 0 || targetRank == 0 || moved == target)
         return true;
     if (movedRank < 4) {
         for (int rank = 1; rank <= movedRank; ++rank) {

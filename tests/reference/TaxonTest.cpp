@@ -56,6 +56,36 @@ TEST_F(TaxonTest, RenamingAGenusRenamesWhatIsUnderIt)
     EXPECT_EQ(taxa->IDctaxon(), 2);
 }
 
+TEST_F(TaxonTest, TextsThatAreMoreThanADateStay)
+{
+    project.db().Execute(u"UPDATE Taxons SET DateOriginal=\"Sp. Pl. 2: 491. 1753\", [ID Valid]=6, DateSynonymie=\"vers 1900 ?\" WHERE [ID Taxons]=3"_s);
+    project.db().Execute(u"UPDATE Taxons SET DateOriginal=\"1753/05\" WHERE [ID Taxons]=6"_s);
+    form.steps.push_back({{{u"Commentaire"_s, u"vu"_s}}});
+    EXPECT_TRUE(taxa->Edit(3));
+    form.steps.push_back({{{u"CommentSynonymie"_s, u"vu"_s}}});
+    EXPECT_TRUE(taxa->clSynonyme_Edit(3));
+    form.steps.push_back({{{u"DateOriginal"_s, u"mai 1754"_s}}}); // a date stays one
+    EXPECT_TRUE(taxa->Edit(6));
+    EXPECT_EQ(project.rows(u"SELECT DateOriginal,DateSynonymie,Commentaire,CommentSynonymie FROM Taxons WHERE [ID Taxons] IN (3,6)"_s),
+              (QStringList{u"Sp. Pl. 2: 491. 1753|vers 1900 ?|vu|vu"_s, u"1754/05|∅|∅|∅"_s}));
+}
+
+TEST_F(TaxonTest, ARankWithoutItsParentIsRefusedWithAWord)
+{
+    const auto refused = [&](const QString& rank, const QString& key) {
+        editing::Cl_Editions fields(context->editing);
+        taxa->FillTabEdit(fields, 0, 1);
+        fields.Item(u"Nom Complet"_s)->setValue(u"x"_s);
+        fields.Item(u"@@RANGTAXON@@"_s)->setValue(rank);
+        taxa->setIDctaxon(0);
+        EXPECT_FALSE(taxa->Save(fields));
+        return fields.Item(key)->TextError();
+    };
+    EXPECT_EQ(refused(u"Espèce"_s, u"@@RANGTAXON@@"_s), u"Un nom de ce rang ne peut être ajouté à cet endroit"_s);
+    EXPECT_EQ(refused(u"Tribu"_s, u"@@RANGTAXON@@"_s), u"Indiquez le rang"_s);
+    EXPECT_EQ(names().size(), 7);
+}
+
 TEST_F(TaxonTest, RefusesAndQuestionsDuplicates)
 {
     project.dialogues.expectTell(u"Impossible de valider ce nom de taxon\r\n\"Rosa canina L.\" existe déjà"_s,
