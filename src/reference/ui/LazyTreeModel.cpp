@@ -348,6 +348,17 @@ void LazyTreeModel::rowDeleted(qint32 id)
         arrowsChanged();
 }
 
+void LazyTreeModel::refreshSynonyms()
+{
+    QList<qint32> ids;
+    for (const Node* node : std::as_const(m_byId)) {
+        if (node->row.synonym)
+            ids << node->row.id;
+    }
+    for (const qint32 id : std::as_const(ids))
+        rowChanged(id);
+}
+
 // --- What a view asks ------------------------------------------------------------------------------
 
 QModelIndex LazyTreeModel::index(int row, int column, const QModelIndex& parent) const
@@ -439,8 +450,13 @@ QMimeData* LazyTreeModel::mimeData(const QModelIndexList& indexes) const
 
 bool LazyTreeModel::canDropMimeData(const QMimeData* data, Qt::DropAction, int, int, const QModelIndex& parent) const
 {
-    return movable && data->hasFormat(mimeType) && parent.isValid() && m_source->accepts(rowAt(parent))
-           && !draggedIds(data).contains(rowAt(parent).id);
+    if (!movable || !data->hasFormat(mimeType) || !parent.isValid() || !m_source->accepts(rowAt(parent)))
+        return false;
+    const QList<qint32> ids = draggedIds(data);
+    return std::all_of(ids.begin(), ids.end(), [&](qint32 id) {
+        const Node* moved = m_byId.value(id);
+        return id != rowAt(parent).id && (!moved || m_source->takes(rowAt(parent), moved->row));
+    });
 }
 
 /// The rows move once the drop is over and the database agrees; the view takes none away itself.

@@ -32,6 +32,7 @@ public:
     void reload();         ///< Everything is read anew when it is unfolded again.
     void rowChanged(qint32 id); ///< A row is new, was renamed or moved.
     void rowDeleted(qint32 id);
+    void refreshSynonyms(); ///< Those of a name that was deleted are names of their own again.
     void resume(); ///< The database is back.
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;

@@ -57,6 +57,7 @@ void ReferenceTree::connectModel()
     ReferenceList& list = world().list(type());
     connect(&list, &ReferenceList::Change, m_model, &LazyTreeModel::rowChanged);
     connect(&list, &ReferenceList::Delete, m_model, &LazyTreeModel::rowDeleted);
+    connect(&list, &ReferenceList::Refresh, m_model, &LazyTreeModel::refreshSynonyms);
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this, &ReferenceTree::noteCurrent);
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &ReferenceTree::selectionChanged);
     connect(m_view, &QTreeView::doubleClicked, this, [this](const QModelIndex& index) {
@@ -271,6 +272,13 @@ void Taxons::deleteRows(const QList<qint32>& ids)
 
 void Taxons::moveRows(const QList<qint32>& ids, qint32 target)
 {
+    const Cl_Taxon& taxa = world().taxa;
+    const int rank = taxa.OrdreTaxon(target);
+    if (std::any_of(ids.begin(), ids.end(), [&](qint32 id) { return !TaxonSource::mayGo(taxa.OrdreTaxon(id), rank); })) {
+        world().dialogues.tell(u"Un taxon ne se déplace que dans un taxon de rang supérieur"_s, u"Déplacement de taxons"_s,
+                               platform::BoxIcon::Warning);
+        return;
+    }
     // A synonymy has a form, which belongs to the thread of the windows.
     if (world().taxa.movesIntoSynonymy(ids, target))
         world().taxa.Move(ids, target);

@@ -42,6 +42,7 @@ public:
     /// Identifiers from below the top down to the row; empty when it is not there.
     virtual QList<qint32> path(qint32 id) const = 0;
     virtual bool accepts(const TreeRow& target) const = 0; ///< Rows may be dropped onto it.
+    virtual bool takes(const TreeRow&, const TreeRow&) const { return true; } ///< The target takes that row.
     virtual QString tip(const TreeRow& row) const = 0;
     std::function<bool()> isAway = [] { return false; }; ///< Nothing may be read now.
 };
@@ -58,6 +59,10 @@ public:
     std::optional<TreeRow> row(qint32 id) const override;
     QList<qint32> path(qint32 id) const override;
     bool accepts(const TreeRow& target) const override { return target.id > 0; }
+    bool takes(const TreeRow& target, const TreeRow& moved) const override { return mayGo(moved.rank, target.rank); }
+    /// A name goes under a higher rank, or becomes a synonym of its like or, a species, of a taxon below the species. What
+    /// lies under a family would lose its ranks inside a genus.
+    static bool mayGo(int moved, int target) { return target <= moved || (moved == 3 && target == 4); }
     QString tip(const TreeRow& row) const override;
 
 private:

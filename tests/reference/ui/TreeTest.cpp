@@ -156,9 +156,34 @@ TEST_F(TreeTest, DraggingMovesOrSinksAndTheRecordsStayOpen)
     key(tree, Qt::Key_Delete);
     EXPECT_EQ(children(tree.model(), tree.model().locate(6)), QStringList{u"sylvatica"_s});
     EXPECT_EQ(world->taxa.IDValid(5, false), -1);
+    EXPECT_FALSE(tree.model().rowAt(tree.model().loaded(5)).synonym) << "seen without reading the tree anew";
     // The individual that pointed at it is still there and shows the name of what is missing.
     EXPECT_EQ(project.single(u"SELECT [ID Taxons] FROM Déterminations WHERE [ID Individus]=1"_s).toInt(), 3);
     EXPECT_EQ(world->taxa.NomTaxon(3, 0), u"Indetermineae"_s);
+}
+
+TEST_F(TreeTest, ATaxonGoesIntoNoLowerRank)
+{
+    auto& tree = taxa();
+    const auto mayDrop = [&](qint32 moved, qint32 target) {
+        const std::unique_ptr<QMimeData> data(tree.model().mimeData({tree.model().locate(moved)}));
+        return tree.model().canDropMimeData(data.get(), Qt::MoveAction, -1, -1, tree.model().locate(target));
+    };
+    EXPECT_FALSE(mayDrop(8, 2)) << "a family into a genus";
+    EXPECT_FALSE(mayDrop(9, 3)) << "a genus into a species";
+    EXPECT_TRUE(mayDrop(7, 4)) << "a species may be a synonym of a variety";
+    EXPECT_TRUE(mayDrop(9, 1));
+    const QStringList before = project.rows(u"SELECT * FROM Taxons"_s);
+    tree.showRow(9);
+    project.dialogues.expectTell(u"Un taxon ne se déplace que dans un taxon de rang supérieur"_s, u"Déplacement de taxons"_s,
+                                 BoxIcon::Warning);
+    inDialog([](QWidget& dialog) {
+        auto& choice = static_cast<reference::ChoiceDialog&>(dialog);
+        EXPECT_TRUE(choice.control().showRow(3));
+        QTest::keyClick(&choice.control().view(), Qt::Key_Return);
+    });
+    key(tree, Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(project.rows(u"SELECT * FROM Taxons"_s), before);
 }
 
 TEST_F(TreeTest, PlacesStandUnderTheWorldWithTheirMaps)
