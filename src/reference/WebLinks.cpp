@@ -96,7 +96,7 @@ QString WebLinks::personAddress(QString link, qint32 id) const
     link.replace(u"@INITIALE@"_s, m_people.NomBotaniste(id, 1));
     link.replace(u"@ORGANISME@"_s, m_people.NomBotaniste(id, 2));
     // What belongs to the places is blanked too.
-    for (const QString& other : {u"@LONGITUDE@"_s, u"@LATITUDE@"_s, u"@ALTITUDE@"_s})
+    for (const QString& other : {u"@NOM@"_s, u"@LONGITUDE@"_s, u"@LATITUDE@"_s, u"@ALTITUDE@"_s})
         link.remove(other);
     return link;
 }

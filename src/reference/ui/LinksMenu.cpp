@@ -19,27 +19,41 @@ const QString title = u"Lien vers une base Online"_s;
 const QString nameField = u"Nom"_s;
 const QString linkField = u"Lien"_s;
 
+QList<data::PropertyObject> linksIn(const ReferenceWorld& world, const QString& kind)
+{
+    try {
+        return world.store.list(kindLiens, kind);
+    } catch (const jet::Error& error) {
+        world.dialogues.tell(error.description(), title, platform::BoxIcon::Stop);
+        return {};
+    }
+}
+
 QStringList linksOf(const ReferenceWorld& world, const QString& kind)
 {
     QStringList names;
+    const QList<data::PropertyObject> links = linksIn(world, kind);
+    for (const data::PropertyObject& link : links)
+        names << link.name;
+    return names;
+}
+
+/// What a link is made from; empty where there is none, or where it cannot be read, which is said.
+QString templateOf(const ReferenceWorld& world, const QString& kind, const QString& name)
+{
     try {
-        for (const data::PropertyObject& link : world.store.list(kindLiens, kind))
-            names << link.name;
+        return world.store.value(kindLiens, kind, name).toString();
     } catch (const jet::Error& error) {
         world.dialogues.tell(error.description(), title, platform::BoxIcon::Stop);
+        return {};
     }
-    return names;
 }
 
 void follow(const ReferenceWorld& world, const QString& kind, const QString& name, qint32 id)
 {
-    try {
-        const QString address = world.links.address(kind, world.store.value(kindLiens, kind, name).toString(), id);
-        if (!address.isEmpty())
-            world.opener.open(address);
-    } catch (const jet::Error& error) {
-        world.dialogues.tell(error.description(), title, platform::BoxIcon::Stop);
-    }
+    const QString address = world.links.address(kind, templateOf(world, kind, name), id);
+    if (!address.isEmpty())
+        world.opener.open(address);
 }
 
 void fillMenu(QMenu& menu, const std::shared_ptr<ReferenceWorld>& world, int type, const std::function<qint32()>& current)
@@ -125,10 +139,8 @@ void WizardLinks::fill(const QString& current)
 {
     m_list->clear();
     m_list->addItems(linksOf(*m_world, m_kind));
-    for (int row = 0; row < m_list->count(); ++row) {
-        const QVariant link = m_world->store.value(kindLiens, m_kind, m_list->item(row)->text());
-        m_list->item(row)->setToolTip(link.toString());
-    }
+    for (int row = 0; row < m_list->count(); ++row)
+        m_list->item(row)->setToolTip(templateOf(*m_world, m_kind, m_list->item(row)->text()));
     const auto found = m_list->findItems(current, Qt::MatchFixedString);
     m_list->setCurrentRow(found.isEmpty() ? 0 : m_list->row(found.first()));
     for (QAction* action : std::as_const(m_onLink))
@@ -151,7 +163,8 @@ void WizardLinks::clLinks_Delete()
     if (!m_list->currentItem())
         return;
     const QString name = m_list->currentItem()->text();
-    for (const data::PropertyObject& link : m_world->store.list(kindLiens, m_kind)) {
+    const QList<data::PropertyObject> links = linksIn(*m_world, m_kind);
+    for (const data::PropertyObject& link : links) {
         if (link.name == name)
             m_world->store.remove(link.id, m_world->dialogues);
     }
@@ -161,13 +174,13 @@ void WizardLinks::clLinks_Delete()
 void WizardLinks::edit(const QString& name)
 {
     editing::Cl_Editions form(m_world->context);
-    const QVariant link = name.isEmpty() ? QVariant() : m_world->store.value(kindLiens, m_kind, name);
+    const QVariant link = name.isEmpty() ? QVariant() : QVariant(templateOf(*m_world, m_kind, name));
     form.Add(data::Texte, u"Nom"_s, name.isEmpty() ? QVariant() : QVariant(name), u"Nom du lien dans le menu"_s, nameField,
              false, 0);
     form.Add(data::Texte, u"Lien htpp"_s, link, markersOf(m_kind), linkField, false, 0);
     m_world->form.edit(title, form, [&](editing::Cl_Editions& typed) {
         const QString now = typed.Item(nameField)->value().toString().trimmed();
-        if (now.compare(name, Qt::CaseInsensitive) != 0 && m_world->store.value(kindLiens, m_kind, now).isValid()) {
+        if (now.compare(name, Qt::CaseInsensitive) != 0 && linksOf(*m_world, m_kind).contains(now, Qt::CaseInsensitive)) {
             typed.Item(nameField)->setTextError(u"Ce nom existe déjà"_s);
             return false;
         }

@@ -185,7 +185,12 @@ void ReferenceControl::removeSelected()
 void ReferenceControl::showIndividuals()
 {
     const qint32 id = currentId();
-    m_world->showIndividuals(m_world->name(m_type, id), m_world->referring.individualsBelow(m_type, id));
+    const QString name = m_world->name(m_type, id);
+    try {
+        m_world->showIndividuals(name, m_world->referring.individualsBelow(m_type, id));
+    } catch (const jet::Error& error) {
+        m_world->dialogues.tell(error.description(), name, platform::BoxIcon::Stop);
+    }
 }
 
 // --- Menus and keys --------------------------------------------------------------------------------
