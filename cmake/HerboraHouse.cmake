@@ -61,21 +61,6 @@ function(_herbora_root target folder)
   endif()
 endfunction()
 
-# While the house is being built, a source that is announced but not there yet is passed over.
-function(_herbora_present list)
-  set(there "")
-  foreach(source IN LISTS ${list})
-    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${source}")
-      list(APPEND there "${source}")
-    endif()
-  endforeach()
-  if(NOT there)
-    file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp" "namespace {}\n")
-    set(there "${CMAKE_CURRENT_BINARY_DIR}/empty.cpp")
-  endif()
-  set(${list} "${there}" PARENT_SCOPE)
-endfunction()
-
 # Precompiling the same headers for every target costs more than a third of a full build. Full builds
 # share one for all logic and one for all windows; a header touched in between makes all targets anew.
 option(HERBORA_SHARED_PCH "Share the precompiled headers between targets" OFF)
@@ -104,7 +89,6 @@ endfunction()
 # Gui where GUI is given) but never Widgets.
 function(herbora_library name folder)
   cmake_parse_arguments(A "WIDGETS;GUI;AUTOMOC" "" "SOURCES;USES;PRIVATE_USES" ${ARGN})
-  _herbora_present(A_SOURCES)
   add_library(${name} STATIC ${A_SOURCES})
   _herbora_root(${name} ${folder})
   target_link_libraries(${name} PUBLIC herbora_rules Qt6::Core ${A_USES} PRIVATE ${A_PRIVATE_USES})
@@ -126,7 +110,6 @@ endfunction()
 # registered as one CTest entry on the offscreen platform with a French locale.
 function(herbora_test name)
   cmake_parse_arguments(A "WIDGETS" "TIMEOUT" "SOURCES;USES" ${ARGN})
-  _herbora_present(A_SOURCES)
   add_executable(${name} ${A_SOURCES})
   target_link_libraries(${name} PRIVATE herbora_rules herbora_test_support ${A_USES})
   if(A_WIDGETS)

@@ -3,6 +3,7 @@
 #include "data/FieldType.h"
 #include "editing/Cl_Editions.h"
 #include "editing/FieldTypes.h"
+#include "editing/SameText.h"
 #include "editing/Trapped.h"
 #include "jet/text/Like.h"
 
@@ -18,11 +19,6 @@ namespace {
 
 constexpr int menuBits = 4 | 8 | 16;
 const QString lockedRecord = u"L'enregistrement est verrouillé"_s;
-
-bool sameText(const QString& a, const QString& b)
-{
-    return a.compare(b, Qt::CaseInsensitive) == 0;
-}
 
 QStringList itemsOf(const QString& text, QChar separator)
 {

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Sheet {
+struct DrawnSheet {
     Points points;
     std::vector<bool> selected;
     PointStyle style;
@@ -37,7 +37,7 @@ bool isBlue(const QColor& colour)
 
 TEST(Drawing, PutsPointsWhereTheyLieInTheirColours)
 {
-    Sheet sheet;
+    DrawnSheet sheet;
     sheet.points.add({.locality = 1, .at = {5, 5}});
     sheet.points.add({.locality = 2, .at = {15, 5}, .count = 9});
     sheet.points.add({.locality = 3, .at = {50, 5}}); // beside the map
@@ -50,7 +50,7 @@ TEST(Drawing, PutsPointsWhereTheyLieInTheirColours)
 
 TEST(Drawing, HidesWhatHasFewRecordsAndAllWhenAsked)
 {
-    Sheet sheet;
+    DrawnSheet sheet;
     sheet.points.add({.locality = 1, .at = {5, 5}, .count = 2});
     sheet.points.add({.locality = 2, .at = {15, 5}, .count = 9});
     sheet.style.sizes.effectifMin = 3;
@@ -64,7 +64,7 @@ TEST(Drawing, HidesWhatHasFewRecordsAndAllWhenAsked)
 
 TEST(Drawing, SmallPointsLieOnLargeOnesAndSelectedOnesOnTop)
 {
-    Sheet sheet;
+    DrawnSheet sheet;
     sheet.style.fore = Qt::black;
     sheet.points.add({.locality = 1, .at = {5, 5}});
     sheet.points.add({.locality = 2, .at = {5, 5}, .count = 400});
@@ -83,7 +83,7 @@ TEST(Drawing, SmallPointsLieOnLargeOnesAndSelectedOnesOnTop)
 /// A dense sheet is thinned out, but no point disappears that stands alone, and selected ones all show.
 TEST(Drawing, VeryManyPointsLeaveNoneOutThatStandsAlone)
 {
-    Sheet sheet;
+    DrawnSheet sheet;
     sheet.picture = QImage(1000, 500, QImage::Format_RGB32);
     sheet.view = ViewTransform::whole({0, 10, 20, 10}, {200, 100}, {1000, 500});
     int id = 0;

@@ -20,9 +20,9 @@ const QString individus = data::moduleIndividus;
 const QString determinations = data::moduleDéterminations;
 constexpr qint64 pageOfRows = 4096;
 
-class ModuleRows : public ImportRows {
+class ImportedModuleRows : public ImportRows {
 public:
-    explicit ModuleRows(ImportJob& job)
+    explicit ImportedModuleRows(ImportJob& job)
         : ImportRows(job), m_module(job.plan.target.name), m_database(job.session.database()),
           m_rules(m_database, job.session.dictionary(), job.session.surroundings().clock, m_quiet)
     {
@@ -244,7 +244,7 @@ private:
 
 std::unique_ptr<ImportRows> makeModuleRows(ImportJob& job)
 {
-    return std::make_unique<ModuleRows>(job);
+    return std::make_unique<ImportedModuleRows>(job);
 }
 
 } // namespace app

@@ -14,7 +14,7 @@ using platform::Answer;
 using platform::BoxButtons;
 using platform::BoxIcon;
 
-const QString titleSave = u"Enregistrements des propriétés"_s;
+const QString saveTitle = u"Enregistrements des propriétés"_s;
 
 /// Keys go to whatever has the focus; those that are no values are counted.
 class DemoEditing : public support::WindowTest {
@@ -66,7 +66,7 @@ protected:
     void expectSave(const QString& which, Answer answer = Answer::Yes, BoxButtons buttons = BoxButtons::YesNo)
     {
         dialogues.expect(
-            {u"Voulez-vous enregistrez les modifications apportées "_s + which, titleSave, BoxIcon::Question, buttons}, answer);
+            {u"Voulez-vous enregistrez les modifications apportées "_s + which, saveTitle, BoxIcon::Question, buttons}, answer);
     }
     void openIndividual(int row)
     {
@@ -121,7 +121,7 @@ TEST_F(DemoEditing, AnIndividualGetsEverythingThatItMayHave)
     addUnderIndividual(u"Déterminations"_s);
     fill({u"vochysia r"_s, u"B.C"_s, u"2003/05"_s});
     expectSave(u"à la propriété < Détermination - Ajout >"_s);
-    dialogues.expectConfirm(u"Voulez-vous affecter la propriété \r\nau champ ID Déterminations de l'Individu ?"_s, titleSave, true);
+    dialogues.expectConfirm(u"Voulez-vous affecter la propriété \r\nau champ ID Déterminations de l'Individu ?"_s, saveTitle, true);
     press(Qt::Key_S, Qt::ControlModifier);
     const QString determination = edited().current()->key;
     EXPECT_EQ(rows(u"SELECT [ID Déterminations] FROM Individus WHERE [ID Individus]="_s + id),
