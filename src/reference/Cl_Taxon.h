@@ -72,7 +72,7 @@ private:
     bool sinks(qint32 moved, qint32 target) const;
     QString fillForm(editing::Cl_Editions& form, qint32 id, qint32 parent, int rank);
     void addParents(editing::Cl_Editions& form, qint32 above, int rank, bool known);
-    bool editNew(qint32 parent, int rank, const QString& name);
+    bool editNew(qint32 parent, int rank, const QString& name, bool placed);
     bool hasPlace(editing::Cl_Editions& form, int rank, qint32 parent) const;
     int rankOfForm(const editing::Cl_Editions& form) const;
     qint32 parentOfForm(const editing::Cl_Editions& form, int rank) const;

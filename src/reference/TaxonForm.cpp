@@ -222,21 +222,26 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
 
 bool Cl_Taxon::Add(qint32 parent, const QString& name)
 {
-    return editNew(parent, std::min(OrdreTaxon(parent) + 1, lowestRank), name);
+    return editNew(parent, std::min(OrdreTaxon(parent) + 1, lowestRank), name, true);
 }
 
 bool Cl_Taxon::AddOfRank(int rank, const QString& name)
 {
-    return editNew(0, std::clamp(rank, 1, lowestRank), name);
+    return editNew(0, std::clamp(rank, 1, lowestRank), name, false);
 }
 
-bool Cl_Taxon::editNew(qint32 parent, int rank, const QString& name)
+/// Where the place was chosen in the tree the form begins with the name.
+bool Cl_Taxon::editNew(qint32 parent, int rank, const QString& name, bool placed)
 {
     if (!m_context.form)
         return false;
     editing::Cl_Editions form(m_context.editing);
     const QString title = fillForm(form, 0, parent, rank);
     form.Remove(fieldSynonyms); // a list, which a form of one name does not show
+    for (const QString& key : {champ(1), champ(2), champ(3), fieldRank}) {
+        if (placed && form.Item(key))
+            form.Item(key)->setLocked(true);
+    }
     if (!name.isEmpty())
         form.Item(u"Nom Complet"_s)->setValue(name);
     return m_context.form->edit(title, form, [this](editing::Cl_Editions& f) {
