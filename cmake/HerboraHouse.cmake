@@ -25,6 +25,10 @@ target_compile_definitions(herbora_rules INTERFACE
   HERBORA_VERSION="${PROJECT_VERSION}")
 target_compile_options(herbora_rules INTERFACE
   -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
+if(CMAKE_UNITY_BUILD)
+  # It warns of unnamed namespaces outside the file that is compiled, which is now the joined one.
+  target_compile_options(herbora_rules INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
+endif()
 if(HERBORA_WERROR)
   target_compile_options(herbora_rules INTERFACE -Werror)
 endif()
