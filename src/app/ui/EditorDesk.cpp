@@ -278,7 +278,7 @@ editing::RecordEditorWindow& EditorDesk::makeWindow()
     around.search = &project.search;
     around.chooser = place().chooser();
     around.lists = &project.lists;
-    around.icon = [this](const QString& module) { return iconNamed(module, session().modules()); };
+    around.icon = [this](const QString& module) { return iconNamed(u"module:"_s + module, session().modules()); };
     around.project = session().projectName();
     // A project that cannot be written keeps no typing either.
     around.draftFile = m_posing || session().readOnly() ? QString() : editing::DraftKeeper::fileFor(session().path());
