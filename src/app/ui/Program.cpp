@@ -35,6 +35,22 @@ private:
     mutable QString m_command;
 };
 
+/// What Qt's own French texts leave out: the kinds of files in a file dialog.
+class KindsOfFiles : public QTranslator {
+public:
+    using QTranslator::QTranslator;
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char*, int) const override
+    {
+        static const QHash<QByteArrayView, QString> kinds{
+            {"Folder", u"Dossier"_s}, {"File", u"Fichier"_s},      {"%1 File", u"Fichier %1"_s},
+            {"Drive", u"Disque"_s},   {"Shortcut", u"Raccourci"_s}, {"Alias", u"Alias"_s},
+            {"Unknown", u"Inconnu"_s}};
+        return QByteArrayView(context) == "QAbstractFileIconProvider" ? kinds.value(QByteArrayView(source)) : QString();
+    }
+};
+
 } // namespace
 
 void useFrench()
@@ -46,6 +62,7 @@ void useFrench()
         QCoreApplication::installTranslator(texts);
     else
         qCWarning(programLog) << "no French texts for Qt in" << QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    QCoreApplication::installTranslator(new KindsOfFiles(qApp));
 }
 
 void prepareApplication()

@@ -1,5 +1,7 @@
 #include "platform/ui/ChoiceDialog.h"
 
+#include <QScreen>
+
 namespace platform {
 
 using namespace Qt::StringLiterals;
@@ -20,7 +22,9 @@ ChoiceDialog::ChoiceDialog(const Choice& choice, QWidget* parent)
     layout->addWidget(prompt);
     layout->addWidget(m_list, 1);
     layout->addWidget(m_buttons);
-    resize(420, 360);
+    m_list->resizeColumnToContents(0);
+    const int room = screen()->availableGeometry().width() * 3 / 4;
+    resize(qBound(420, m_list->columnWidth(0) + 60, room), qMax(360, fontMetrics().lineSpacing() * 20));
 
     QPushButton* ok = m_buttons->button(QDialogButtonBox::Ok);
     ok->setEnabled(!m_list->selectedItems().isEmpty());

@@ -2,6 +2,7 @@
 
 #include "platform/ui/ChoiceDialog.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -116,7 +117,8 @@ QString QtDialogues::startFolder(const QString& wanted) const
         return wanted;
     if (!m_lastFolder.isEmpty())
         return m_lastFolder;
-    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
 Answer QtDialogues::ask(const Message& message)
