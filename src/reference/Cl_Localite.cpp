@@ -94,7 +94,7 @@ std::unique_ptr<jet::Recordset> Cl_Localité::RecordSetLocalités(qint32 parent,
 Found Cl_Localité::SearchLocalités(const QString& pattern) const
 {
     try {
-        return search(SQLLocalités(-1, pattern), pattern);
+        return search(SQLLocalités(-1, pattern), {}); // without the second try that names of plants and people have
     } catch (const jet::Error& error) {
         qCWarning(placesLog).noquote() << "search" << error.number() << error.description();
         return {};

@@ -82,7 +82,9 @@ TEST_F(LocaliteTest, ListsTheHierarchyWithoutMaps)
     EXPECT_EQ(places->NomCarte(map), u"france.png"_s);
     EXPECT_EQ(project.rows(places->SQLLocalités(0)), (QStringList{u"1|France"_s, u"4|Gabon"_s}));
     EXPECT_EQ(project.rows(places->SQLLocalités(1)), QStringList{u"2|Hérault"_s});
-    EXPECT_EQ(places->SearchLocalités(u"h"_s).names, QStringList{u"Hérault"_s});
+    EXPECT_EQ(places->SearchLocalités(u"h*"_s).names, QStringList{u"Hérault"_s});
+    EXPECT_EQ(places->SearchLocalités(u"h"_s).names, QStringList());
+    EXPECT_EQ(places->SearchLocalités({}).ids, (QList<qint32>{1, 4, 2, 3})) << "in the order of the names";
     EXPECT_EQ(places->SearchLocalités(u"REFGab"_s).names, QStringList{u"Gabon"_s});
     project.dialogues.expectLike({u"Impossible d'ajouter la carte :\n"_s}, u"Ajout d'une carte"_s, BoxIcon::Stop);
     EXPECT_EQ(places->AddCarte(1, u"Encore"_s, {-5, 51, 9, 42}, u"FRANCE.png"_s), 0); // the picture stands once
