@@ -1,6 +1,7 @@
 // Deleting and moving places with all that lies in them.
 #include "jet/SqlText.h"
 #include "reference/Cl_Localite.h"
+#include "reference/PathCodes.h"
 
 #include <QLoggingCategory>
 
@@ -12,15 +13,6 @@ using jet::texte;
 namespace {
 
 Q_LOGGING_CATEGORY(placeMovesLog, "herbora.localites")
-
-QString stripped(QString code)
-{
-    while (code.startsWith(u'/'))
-        code.remove(0, 1);
-    while (code.endsWith(u'/'))
-        code.chop(1);
-    return code;
-}
 
 /// The condition for a place and all that lies in it.
 QString subtree(const QString& code)

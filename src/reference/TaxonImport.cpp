@@ -1,5 +1,6 @@
 #include "reference/TaxonImport.h"
 
+#include "jet/Cancelled.h"
 #include "jet/text/TextOrder.h"
 #include "platform/ReplaceFile.h"
 #include "reference/Cl_Taxon.h"
@@ -17,7 +18,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int stoppedError = 3059;
 constexpr int unwritableError = 3051;
 constexpr qint64 linesBetweenLooks = 512;
 constexpr qsizetype widestName = 255;
@@ -121,7 +121,7 @@ private:
     void tell(const QString& text, int percent)
     {
         if (m_progression.cancelled())
-            jet::fail(stoppedError);
+            jet::fail(jet::cancelledError);
         if (text == m_told && percent == m_percent)
             return;
         m_told = text;

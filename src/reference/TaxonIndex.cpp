@@ -1,5 +1,6 @@
 #include "reference/TaxonIndex.h"
 
+#include "data/OrNull.h"
 #include "jet/text/TextOrder.h"
 #include "reference/Cl_Taxon.h"
 
@@ -8,10 +9,11 @@
 namespace reference {
 
 using namespace Qt::StringLiterals;
+using data::orNull;
 
 namespace {
 
-constexpr qint64 pageOfRows = 4096;
+constexpr qint64 rowsAtOnce = 4096;
 constexpr size_t hashSeed = 0x6865726261; // the same numbers in every run
 const std::array<QString, 4> rankColumns{u"ID Famille"_s, u"ID Genre"_s, u"ID Espèce"_s, u"ID Infra"_s};
 
@@ -19,16 +21,6 @@ const std::array<QString, 4> rankColumns{u"ID Famille"_s, u"ID Genre"_s, u"ID Es
 qint32 placeOf(int rank, qint32 parent)
 {
     return rank <= 2 ? 0 : parent;
-}
-
-QVariant orNull(const QString& text)
-{
-    return text.isEmpty() ? QVariant() : QVariant(text);
-}
-
-QVariant orNull(qint32 id)
-{
-    return id > 0 ? QVariant(id) : QVariant();
 }
 
 } // namespace
@@ -60,7 +52,7 @@ void TaxonIndex::load()
     const auto rows = m_database.OpenRecordset(u"SELECT [ID Taxons],[Taxon],[ID Famille],[ID Genre],[ID Espèce],[ID Infra] FROM Taxons"_s,
                                                jet::RecordsetType::Snapshot);
     while (!rows->EOF_()) {
-        for (const auto& values : rows->GetRows(pageOfRows)) {
+        for (const auto& values : rows->GetRows(rowsAtOnce)) {
             const qint32 id = values[0].toInt();
             int rank = 1;
             while (rank <= 4 && values[size_t(rank) + 1].toInt() != id)

@@ -1,5 +1,6 @@
 #include "reference/ui/ReferenceWorld.h"
 
+#include "jet/Cancelled.h"
 #include "platform/ui/TaskRunner.h"
 
 #include <QEventLoop>
@@ -13,7 +14,6 @@ namespace {
 
 Q_LOGGING_CATEGORY(worldLog, "herbora.reference.ui")
 
-constexpr int cancelledError = 3059;
 
 } // namespace
 
@@ -57,7 +57,7 @@ void ReferenceWorld::workLong(const QString& title, const std::function<void()>&
         });
     } catch (const jet::Error& error) {
         qCWarning(worldLog).noquote() << title << error.number() << error.description();
-        if (error.number() != cancelledError)
+        if (error.number() != jet::cancelledError)
             dialogues.tell(error.description(), title, platform::BoxIcon::Stop);
     }
 }
