@@ -61,7 +61,9 @@ Form10::Form10(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
         m_groups->setCurrentIndex(groupOf(u"0-Col"_s));
         m_filling = false;
     };
-    connect(&world->people, &ReferenceList::Refresh, this, [this] { this->world().whenHere(this, [this] { fillGroups(); }); });
+    const auto again = [this] { this->world().whenHere(this, [this] { fillGroups(); }); };
+    connect(&world->people, &ReferenceList::Refresh, this, again);
+    connect(&world->people, &ReferenceList::Change, this, again, Qt::QueuedConnection); // once the form is done
 }
 
 Form10::~Form10()
@@ -97,6 +99,8 @@ void Form10::fillGroups()
     const QModelIndex again = groupOf(current);
     m_groups->setCurrentIndex(again.isValid() ? again : all->index());
     m_filling = false;
+    if (!again.isValid())
+        chooseGroup();
 }
 
 QModelIndex Form10::groupOf(const QString& key) const
@@ -135,7 +139,10 @@ void Form10::showForm(qint32 id)
 
 void Form10::noteSaved()
 {
+    const qint32 saved = shown();
     fillGroups(); // the organisation may be a new one
+    if (m_people->currentId() != saved)
+        m_people->showRow(saved); // it left the group
 }
 
 QString Form10::statusText() const

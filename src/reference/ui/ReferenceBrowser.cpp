@@ -101,6 +101,10 @@ void ReferenceBrowser::choose(qint32 id)
 {
     if (m_staying || id == m_shown)
         return;
+    if (m_form->isSaving()) { // the row left the list that is shown
+        QMetaObject::invokeMethod(this, [this] { choose(m_control->currentId()); }, Qt::QueuedConnection);
+        return;
+    }
     m_world->whenHere(this, [this] {
         if (m_control->currentId() == m_shown)
             return;

@@ -3,6 +3,7 @@
 #include "reference/ui/ReferenceWorld.h"
 
 #include <QHBoxLayout>
+#include <QScopedValueRollback>
 
 namespace reference {
 
@@ -143,7 +144,11 @@ bool RowForm::save()
             field->setTextError({});
         valid = valid && field->TextError().isEmpty();
     }
-    if (valid && m_save(*m_form)) {
+    const auto written = [this] {
+        const QScopedValueRollback saving(m_saving, true);
+        return m_save(*m_form);
+    };
+    if (valid && written()) {
         m_pane->refreshValues();
         setTyped(false);
         Q_EMIT saved();

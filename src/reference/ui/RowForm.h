@@ -28,6 +28,7 @@ public:
     void setExtra(QWidget* extra);
     bool isShown() const { return m_form != nullptr; }
     bool isTyped() const { return m_typed; }
+    bool isSaving() const { return m_saving; } ///< Nothing else may be shown now.
     bool save(); ///< True when nothing is left to be saved.
     void undo(); ///< The values as they are saved, by asking for the row again.
     /// Asks about what was typed: save it, drop it, or stay (false).
@@ -55,6 +56,7 @@ private:
     QPushButton *m_open, *m_saveButton, *m_undoButton;
     QVBoxLayout* m_layout;
     bool m_typed = false;
+    bool m_saving = false;
 };
 
 } // namespace reference

@@ -180,6 +180,27 @@ TEST_F(ThreeBrowsers, CollectorsStandByLettersAndOrganisations)
     picture(browser, u"collecteurs"_s);
 }
 
+TEST_F(ThreeBrowsers, ACollectorThatLeavesItsGroupStaysShown)
+{
+    auto& browser = open(new reference::Form10(world));
+    group(browser, u"CTFT-Org"_s);
+    EXPECT_TRUE(browser.showRow(1));
+    type(browser, u"Organisme"_s, u"IRD"_s);
+    browser.run(TabCommand::Save); // the last one of its organisation
+    QCoreApplication::processEvents();
+    EXPECT_EQ(browser.control().currentId(), 1);
+    EXPECT_EQ(line(browser, u"Organisme"_s)->text(), u"IRD"_s);
+    EXPECT_EQ(rows(browser).size(), 3);
+    EXPECT_EQ(browser.groups().currentIndex(), browser.groupOf(u"0-Col"_s));
+    EXPECT_FALSE(browser.groupOf(u"CTFT-Org"_s).isValid());
+    // One of a new organisation added in the dialog of a field, as any list may add it.
+    form.steps.push_back({{{u"Collecteur"_s, u"Kew"_s}, {u"Initiales"_s, u"K"_s}, {u"Organisme"_s, u"RBG"_s}}});
+    EXPECT_TRUE(world->people.Add());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(browser.groupOf(u"RBG-Org"_s).isValid());
+    EXPECT_TRUE(browser.mayClose());
+}
+
 TEST_F(ThreeBrowsers, ACollectorOfANameThatExistsIsRefusedUnderItsField)
 {
     auto& browser = open(new reference::Form10(world));
