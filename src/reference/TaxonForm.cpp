@@ -216,6 +216,8 @@ bool Cl_Taxon::Save(editing::Cl_Editions& form)
     } catch (const jet::Error& error) {
         qCWarning(formLog).noquote() << "save" << error.number() << error.description();
         m_failure = error.number();
+        if (editing::Cl_Edition* name = form.Item(u"Nom Complet"_s))
+            name->setTextError(error.description());
         return false;
     }
 }
@@ -308,6 +310,7 @@ bool Cl_Taxon::clSynonyme_Delete(qint32 synonym)
                         {u"DateSynonymie"_s, QVariant()}, {u"CommentSynonymie"_s, QVariant()}});
     } catch (const jet::Error& error) {
         qCWarning(formLog).noquote() << "synonymy" << error.number() << error.description();
+        m_context.dialogues.tell(error.description(), u"Suppression d'une synonymie"_s, platform::BoxIcon::Stop);
         return false;
     }
     Q_EMIT Change(synonym);

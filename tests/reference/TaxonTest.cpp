@@ -86,6 +86,16 @@ TEST_F(TaxonTest, ARankWithoutItsParentIsRefusedWithAWord)
     EXPECT_EQ(names().size(), 7);
 }
 
+TEST_F(TaxonTest, WhatTheFileRefusesIsSaidUnderTheName)
+{
+    editing::Cl_Editions fields(context->editing);
+    taxa->FillTabEdit(fields, 3, 2);
+    fields.Item(u"Auteurs"_s)->setValue(QString(256, u'x'));
+    EXPECT_FALSE(taxa->Save(fields));
+    EXPECT_TRUE(fields.Item(u"Nom Complet"_s)->TextError().contains(u"Auteurs"_s));
+    EXPECT_EQ(taxa->Auteurs(3), u"L."_s);
+}
+
 TEST_F(TaxonTest, RefusesAndQuestionsDuplicates)
 {
     project.dialogues.expectTell(u"Impossible de valider ce nom de taxon\r\n\"Rosa canina L.\" existe déjà"_s,
