@@ -196,8 +196,8 @@ void DescriptorPanel::replaceInValue(const QString& old, const QString& text)
 
 void DescriptorPanel::addItem()
 {
-    if (!m_field || relay(u"ADD_ITEM"_s) || !m_world.lists->add(listField()))
-        return;
+    if (!m_field || relay(u"ADD_ITEM"_s) || !m_world.lists->add(listField()) || !m_field)
+        return; // other records may be shown by now
     // What is new is what one wants.
     const QString added = m_field->ListeItems().value(m_field->ListeItems().size() - 1);
     refresh();
@@ -216,7 +216,7 @@ void DescriptorPanel::editItem()
 {
     const QString old = current();
     const QStringList before = m_field ? m_field->ListeItems() : QStringList();
-    if (old.isEmpty() || relay(u"EDIT_ITEM"_s) || !m_world.lists->rename(listField(), old))
+    if (old.isEmpty() || !m_field || relay(u"EDIT_ITEM"_s) || !m_world.lists->rename(listField(), old) || !m_field)
         return;
     const QString text = m_field->ListeItems().value(before.indexOf(old), old);
     replaceInValue(old, text);
@@ -227,7 +227,7 @@ void DescriptorPanel::editItem()
 void DescriptorPanel::deleteItem()
 {
     const QString old = current();
-    if (old.isEmpty() || !m_field || relay(u"DELETE_ITEM"_s) || !m_world.lists->remove(listField(), old))
+    if (old.isEmpty() || !m_field || relay(u"DELETE_ITEM"_s) || !m_world.lists->remove(listField(), old) || !m_field)
         return;
     replaceInValue(old, {});
     refresh();

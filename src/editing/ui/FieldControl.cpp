@@ -20,8 +20,7 @@ FieldControl::FieldControl(Cl_Edition& parent, const ControlWorld& world, QWidge
 void FieldControl::setClParent(Cl_Edition* field)
 {
     m_field = field;
-    if (field)
-        Refresh();
+    Refresh(); // without a field too: its parts let go of it
 }
 
 void FieldControl::watch(QWidget* editor)

@@ -247,6 +247,24 @@ TEST_F(ControlsTest, TheCommandsOfAListChangeTheVocabularyAndTheValue)
     EXPECT_EQ(items(), (QStringList{u"humide"_s, u"mouillé"_s, u"gelé"_s}));
 }
 
+TEST_F(ControlsTest, AListLetsGoOfAFieldThatIsShownNoMore)
+{
+    control(u"Multiple"_s);
+    auto& panel = static_cast<editing::Listes*>(made)->panel();
+    QSignalSpy renewed(&panel, &editing::DescriptorPanel::renewed);
+    lists->run = [this](const QString&, const editing::LongWork& work) {
+        platform::NoProgression silent;
+        work(silent);
+        made->setClParent(nullptr); // another record came while the records were rewritten
+        fields.reset();
+    };
+    panel.list().setCurrentRow(0);
+    project.dialogues.expectInput(u"Modification d'un descripteur"_s, u"Nouveau nom pour le descripteur ?"_s, u"sec"_s, u"aride"_s);
+    panel.command(u"edit"_s)->trigger();
+    EXPECT_EQ(renewed.count(), 0);
+    panel.command(u"sup"_s)->trigger(); // of nothing
+}
+
 TEST_F(ControlsTest, WhatIsNotInTheVocabularyIsNotLost)
 {
     project.db().Execute(u"UPDATE Essais SET [Multiple]=\"ancien;sec\""_s);
