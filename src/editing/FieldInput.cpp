@@ -50,7 +50,7 @@ QString unreadable(int type, const QString& text)
                                        : u"Ce n'est pas une latitude. Exemples : N05°07'30, 5,125"_s;
     // Identifiers come as numbers. One that is typed is the beginning of a name ("12 km de Saül").
     if (isReference(type))
-        return u"Ce nom n'est pas dans la liste : choisissez-le parmi ceux qui sont proposés"_s;
+        return u"Ce nom n'est pas dans la liste : choisissez-le parmi ceux qui sont proposés, ou ajoutez-le (F3)"_s;
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "reference/ui/ReferenceControl.h"
 
+#include "platform/ui/EmptyHint.h"
 #include "platform/ui/TaskRunner.h"
 #include "reference/ui/LinksMenu.h"
 #include "reference/ui/ReferenceWorld.h"
@@ -115,6 +116,9 @@ void ReferenceControl::arrange()
     view().installEventFilter(this);
     connect(this, &ReferenceControl::selectionChanged, this, &ReferenceControl::updateCommands);
     connect(this, &ReferenceControl::rowChosen, this, &ReferenceControl::updateCommands);
+    new platform::EmptyHint(m_world->readOnly ? u"La liste est vide."_s
+                                              : u"La liste est encore vide.\nCtrl+N y ajoute une ligne."_s,
+                            view());
     updateCommands();
 }
 

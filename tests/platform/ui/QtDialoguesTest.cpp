@@ -1,5 +1,6 @@
 // The real boxes, answered from a timer while they are open.
 #include "platform/ui/ChoiceDialog.h"
+#include "platform/ui/EmptyHint.h"
 #include "platform/ui/ProgressionBar.h"
 #include "platform/ui/QtDialogues.h"
 #include "support/Print.h"
@@ -7,6 +8,7 @@
 #include <QAbstractButton>
 #include <QInputDialog>
 #include <QLibraryInfo>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
@@ -128,6 +130,20 @@ TEST(QtDialogues, FrenchTextsForButtonsAreInstalled)
     });
     dialogues.ask({u"?"_s, u"t"_s, BoxIcon::Question, BoxButtons::YesNoCancel, Answer::Yes});
     QApplication::removeTranslator(&texts);
+}
+
+TEST(EmptyHint, StandsInTheMiddleAsLongAsThereIsNoRow)
+{
+    QListWidget list;
+    const auto* hint = new platform::EmptyHint(u"Rien encore"_s, list);
+    list.resize(300, 200);
+    list.show();
+    EXPECT_TRUE(hint->isVisible());
+    EXPECT_EQ(hint->geometry(), list.viewport()->rect());
+    list.addItem(u"Quercus"_s);
+    EXPECT_FALSE(hint->isVisible());
+    list.clear();
+    EXPECT_TRUE(hint->isVisible());
 }
 
 TEST(ProgressionBar, NeverRunsBackwardsAndGoesAwayAtTheEnd)
