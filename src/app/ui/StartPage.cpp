@@ -90,9 +90,12 @@ StartPage::StartPage(RecentFiles& recent, QWidget* parent)
 
 void StartPage::clearChoices()
 {
-    // One of the buttons may be in its own signal.
-    if (m_choices)
+    if (m_choices) {
+        // One of the buttons may be in its own signal; a question that is open puts its end off.
+        m_column->removeWidget(m_choices);
+        m_choices->hide();
         m_choices->deleteLater();
+    }
     m_choices = new QWidget(this);
     m_counted.clear();
     m_count = nullptr;
