@@ -24,7 +24,8 @@ ChoiceDialog::ChoiceDialog(const Choice& choice, QWidget* parent)
     layout->addWidget(m_buttons);
     m_list->resizeColumnToContents(0);
     const int room = screen()->availableGeometry().width() * 3 / 4;
-    resize(qBound(420, m_list->columnWidth(0) + 60, room), qMax(360, fontMetrics().lineSpacing() * 20));
+    const int rows = qBound(8, int(choice.items.size()) + 4, 24);
+    resize(qBound(420, m_list->columnWidth(0) + 60, room), fontMetrics().lineSpacing() * (rows + 4));
 
     QPushButton* ok = m_buttons->button(QDialogButtonBox::Ok);
     ok->setEnabled(!m_list->selectedItems().isEmpty());

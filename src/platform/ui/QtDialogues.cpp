@@ -107,8 +107,13 @@ QString suffixOf(const QString& filter)
 
 QWidget* QtDialogues::parent() const
 {
-    QWidget* active = QApplication::activeWindow();
-    return active ? active : m_parent.data();
+    if (QWidget* active = QApplication::activeWindow()) {
+        if (!active->isModal())
+            m_recent = active;
+        return active;
+    }
+    // Between two boxes no window is active; the second must not bring another window to the front.
+    return m_recent && m_recent->isVisible() ? m_recent.data() : m_parent.data();
 }
 
 QString QtDialogues::startFolder(const QString& wanted) const

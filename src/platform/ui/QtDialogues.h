@@ -30,6 +30,7 @@ private:
     QString startFolder(const QString& wanted) const;
 
     QPointer<QWidget> m_parent;
+    mutable QPointer<QWidget> m_recent; ///< Over which the last box opened.
     QString m_lastFolder;
 };
 
