@@ -30,7 +30,8 @@ void sayFailure(const Surroundings& surroundings, const QString& source, const j
     if (!stopped)
         qCWarning(importLog).noquote() << "conversion of" << source << "failed:" << error.number() << error.description();
     surroundings.dialogues.tell(
-        u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, error.description()), conversionCaption,
+        u"La base Access « %1 » n'a pas été convertie :\n%2"_s.arg(source, withFinalNames(error.description())),
+        conversionCaption,
         stopped ? BoxIcon::Information : BoxIcon::Stop);
 }
 

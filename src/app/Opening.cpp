@@ -114,7 +114,8 @@ void Session::runOpening(const QString& path, platform::Progression& progression
         operation->commit();
 
     progression.step(u"Enregistrement des paramètres"_s, 80);
-    m_surroundings.settings.write(u"Général.DefaultBase"_s, database.Name());
+    if (!isTemporary(database.Name())) // the next start would open it though it was never finished
+        m_surroundings.settings.write(u"Général.DefaultBase"_s, database.Name());
 
     progression.step(u"Chargement de l'interface graphique"_s, 90);
     progression.step(u"Chargement et Validation OK de la base de donnée"_s, 100);
@@ -128,7 +129,7 @@ void Session::reportOpening(const jet::Error& error)
         QStringList{u"Error "_s + QString::number(error.number()),
                     u"Notez le numéro et la description de l'erreur ci-dessous "_s,
                     u"Erreur dans le chargement du programme Herbora !le fichier est peut être corrompu"_s,
-                    u" in"_s + source, u": "_s + error.description()}
+                    u" in"_s + source, u": "_s + withFinalNames(error.description())}
             .join(u'\n'),
         u"Herbora"_s, platform::BoxIcon::Stop);
 }

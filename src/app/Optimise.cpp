@@ -2,6 +2,8 @@
 #include "app/ProjectFiles.h"
 #include "app/Session.h"
 #include "data/StatementTemplate.h"
+#include "jet/Cancelled.h"
+#include "jet/Compaction.h"
 #include "jet/SqlText.h"
 
 #include <QFile>
@@ -53,7 +55,9 @@ void repairParents(jet::Database& database, const QString& child, const QString&
         filled(u"UPDATE [tmodule] LEFT JOIN [ParentModule] AS HERBORA ON val([tmodule].[KeyParent]) = [HERBORA].[ID ParentModule]"
                " SET [tmodule].[KeyParent]=Null"
                " WHERE [tmodule].[ID individus]<>[HERBORA].[ID Individus]"
-               " AND ISNULL([tmodule].[KeyParent])=false"_s,
+               " AND ISNULL([tmodule].[KeyParent])=false"_s
+                   // Only a key of that module: "5-Images" is no key of the determination 5.
+                   + u" AND [tmodule].KeyParent Like "_s + texte(u"*-ParentModule"_s),
                words));
 }
 
@@ -126,13 +130,14 @@ QString question()
 /// at every instant a complete project stands under its own name.
 void compact(const QString& path, platform::Progression& progression)
 {
+    const auto goOn = [&progression] { return !progression.cancelled(); };
     progression.step(u"Sauvegarde le base actuelle"_s, 70);
-    copySafely(path, backupPath(path));
+    copySafely(path, backupPath(path), goOn);
     progression.step(u"Compactage le base actuelle"_s, 75);
     const QString compacted = temporaryPath(path);
     try {
         QFile::remove(compacted);
-        jet::Database::Compact(path, compacted);
+        jet::compactSound(path, compacted, goOn);
         QFile::setPermissions(compacted, QFile::permissions(path));
         moveIntoPlace(compacted, path);
     } catch (...) {
@@ -140,6 +145,21 @@ void compact(const QString& path, platform::Progression& progression)
         throw;
     }
 }
+
+/// Lets the user stop what runs in the open file.
+class Stoppable {
+public:
+    Stoppable(jet::Database& database, const platform::Progression& progression) : m_database(database)
+    {
+        m_database.SetProgress([&progression] { return !progression.cancelled(); });
+    }
+    ~Stoppable() { m_database.SetProgress({}); }
+    Stoppable(const Stoppable&) = delete;
+    Stoppable& operator=(const Stoppable&) = delete;
+
+private:
+    jet::Database& m_database;
+};
 
 } // namespace
 
@@ -159,7 +179,12 @@ bool Session::optimiseConfirmed(platform::Progression& progression)
     const QString file = path();
     bool done = false;
     try {
-        repair(*m_database, modules(), platform::stamp(m_surroundings.clock), progression);
+        {
+            const Stoppable stoppable(*m_database, progression);
+            // A damaged file must not take the place of a sound backup.
+            jet::checkPages(*m_database);
+            repair(*m_database, modules(), platform::stamp(m_surroundings.clock), progression);
+        }
         progression.step(u"Fermeture de la Base de données"_s, 65);
         close();
         compact(file, progression);
@@ -167,9 +192,10 @@ bool Session::optimiseConfirmed(platform::Progression& progression)
         done = true;
     } catch (const jet::Error& error) {
         qCWarning(optimiseLog).noquote() << error.number() << error.description();
-        m_surroundings.dialogues.tell(u"L'optimisation a échoué, la base est restée dans son état initial :\n"_s
-                                          + error.description(),
-                                      optimiseCaption + u" - Optimisation"_s, platform::BoxIcon::Stop);
+        if (error.number() != jet::cancelledError)
+            m_surroundings.dialogues.tell(u"L'optimisation a échoué, la base est restée dans son état initial :\n"_s
+                                              + withFinalNames(error.description()),
+                                          optimiseCaption + u" - Optimisation"_s, platform::BoxIcon::Stop);
     }
     if (isOpen()) {
         progression.finish();

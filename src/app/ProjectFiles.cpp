@@ -1,6 +1,8 @@
 #include "app/ProjectFiles.h"
 
+#include "jet/Cancelled.h"
 #include "jet/Error.h"
+#include "platform/SystemReason.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +10,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -24,22 +25,36 @@ const QString marker = u".tmp-"_s;
 [[noreturn]] void failFile(const QString& what, const QString& path)
 {
     const int code = errno;
-    const int number = code == ENOSPC ? 3026 : code == EACCES || code == EPERM || code == EROFS ? 3051 : 3044;
-    throw jet::Error(number, what + u" « "_s + path + u" » : "_s
-                                 + QString::fromLocal8Bit(std::strerror(code)) + u'.');
+    const int number = code == ENOSPC || code == EDQUOT                   ? 3026
+                       : code == EACCES || code == EPERM || code == EROFS ? 3051
+                       : code == EIO                                      ? 3043
+                                                                          : 3044;
+    throw jet::Error(number, what + u" « "_s + path + u" » : "_s + platform::systemReason(code) + u'.');
 }
+
+/// A file that is closed at the end of its block.
+class Opened {
+public:
+    Opened(const QString& what, const QString& path, int flags, mode_t mode = 0)
+        : m_descriptor(::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, mode))
+    {
+        if (m_descriptor < 0)
+            failFile(what, path);
+    }
+    ~Opened() { ::close(m_descriptor); }
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+    operator int() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
 
 /// Flushes a file or a folder to the disk.
 void flushPath(const QString& path, int flags)
 {
-    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-    if (descriptor < 0)
-        failFile(u"Impossible d'ouvrir"_s, path);
-    const int result = ::fsync(descriptor);
-    const int code = errno;
-    ::close(descriptor);
-    errno = code;
-    if (result != 0 && code != EINVAL) // some file systems cannot flush a folder
+    const Opened file(u"Impossible d'ouvrir"_s, path, flags);
+    if (::fsync(file) != 0 && errno != EINVAL) // some file systems cannot flush a folder
         failFile(u"Impossible d'écrire sur le disque"_s, path);
 }
 
@@ -48,18 +63,44 @@ bool processRuns(qint64 pid)
     return ::kill(pid_t(pid), 0) == 0 || errno == EPERM;
 }
 
-void copyContent(QFile& in, QFile& out)
+ssize_t readSome(int file, QByteArray& piece)
 {
-    constexpr qint64 piece = 1 << 20;
-    while (!in.atEnd()) {
-        const QByteArray bytes = in.read(piece);
-        if (bytes.isEmpty() && in.error() != QFileDevice::NoError)
-            throw jet::Error(3051, u"Impossible de lire « %1 » : %2."_s.arg(in.fileName(), in.errorString()));
-        if (out.write(bytes) != bytes.size())
-            throw jet::Error(3026, u"Impossible d'écrire « %1 » : %2."_s.arg(out.fileName(), out.errorString()));
+    ssize_t count = 0;
+    do
+        count = ::read(file, piece.data(), size_t(piece.size()));
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
+bool writeAll(int file, const char* bytes, ssize_t count)
+{
+    while (count > 0) {
+        const ssize_t written = ::write(file, bytes, size_t(count));
+        if (written < 0 && errno != EINTR)
+            return false;
+        bytes += std::max<ssize_t>(0, written);
+        count -= std::max<ssize_t>(0, written);
     }
-    if (!out.flush())
-        throw jet::Error(3026, u"Impossible d'écrire « %1 » : %2."_s.arg(out.fileName(), out.errorString()));
+    return true;
+}
+
+/// `target` is the name that the copy will get, for messages.
+void copyContent(const QString& source, const QString& copy, const QString& target, const std::function<bool()>& goOn)
+{
+    const QString reading = u"Impossible de lire"_s;
+    const QString writing = u"Impossible d'écrire"_s;
+    const Opened in(reading, source, O_RDONLY);
+    const Opened out(writing, copy, O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    QByteArray piece(1 << 20, Qt::Uninitialized);
+    ssize_t count = 0;
+    while ((count = readSome(in, piece)) > 0) {
+        if (!writeAll(out, piece.constData(), count))
+            failFile(writing, target);
+        if (goOn && !goOn())
+            jet::fail(jet::cancelledError);
+    }
+    if (count < 0)
+        failFile(reading, source);
 }
 
 } // namespace
@@ -75,6 +116,25 @@ QString temporaryPath(const QString& project)
 {
     const QFileInfo file(project);
     return file.absolutePath() + u"/."_s + file.fileName() + marker + QString::number(::getpid());
+}
+
+bool isTemporary(const QString& path)
+{
+    const QString name = QFileInfo(path).fileName();
+    return name.startsWith(u'.') && name.contains(marker);
+}
+
+QString withFinalNames(const QString& message)
+{
+    QString text = message;
+    const QString tail = marker + QString::number(::getpid());
+    for (qsizetype at = text.indexOf(tail); at >= 0; at = text.indexOf(tail)) {
+        text.remove(at, tail.size());
+        const qsizetype name = text.lastIndexOf(u"/."_s, at) + 1;
+        if (name > 0)
+            text.remove(name, 1);
+    }
+    return text;
 }
 
 void removeStrayFiles(const QString& project)
@@ -93,19 +153,12 @@ void removeStrayFiles(const QString& project)
     }
 }
 
-void copySafely(const QString& source, const QString& target)
+void copySafely(const QString& source, const QString& target, const std::function<bool()>& goOn)
 {
     const QString temporary = temporaryPath(target);
     try {
-        QFile in(source);
-        QFile out(temporary);
-        if (!in.open(QIODevice::ReadOnly))
-            throw jet::Error(3051, u"Impossible d'ouvrir « %1 » : %2."_s.arg(source, in.errorString()));
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            throw jet::Error(3051, u"Impossible de créer « %1 » : %2."_s.arg(temporary, out.errorString()));
-        copyContent(in, out);
-        out.setPermissions(in.permissions());
-        out.close();
+        copyContent(source, temporary, target, goOn);
+        QFile::setPermissions(temporary, QFile::permissions(source));
         moveIntoPlace(temporary, target);
     } catch (...) {
         QFile::remove(temporary);

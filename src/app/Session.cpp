@@ -112,7 +112,7 @@ bool Session::create(const QString& path, platform::Progression& progression,
     } catch (const jet::Error& error) {
         removeStrayFiles(target);
         m_surroundings.dialogues.tell(
-            u"Impossible de créer la base de données :\n"_s + error.description(), caption,
+            u"Impossible de créer la base de données :\n"_s + withFinalNames(error.description()), caption,
             BoxIcon::Stop);
         return false;
     }
@@ -139,8 +139,8 @@ bool Session::saveCopy(const QString& path, platform::Progression& progression)
     } catch (const jet::Error& error) {
         undo();
         if (error.number() != jet::cancelledError)
-            m_surroundings.dialogues.tell(u"Impossible d'enregistrer la copie :\n"_s + error.description(), caption,
-                                          BoxIcon::Stop);
+            m_surroundings.dialogues.tell(
+                u"Impossible d'enregistrer la copie :\n"_s + withFinalNames(error.description()), caption, BoxIcon::Stop);
         return false;
     }
     progression.finish();

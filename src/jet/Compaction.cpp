@@ -1,8 +1,11 @@
 // The compacted copy of a file: written beside its target, checked, flushed and only then named.
+#include "jet/Compaction.h"
+
 #include "jet/Catalog.h"
 #include "jet/Compile.h"
 #include "jet/DatabasePrivate.h"
 #include "jet/FileProbe.h"
+#include "jet/JetLog.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -159,7 +162,42 @@ void Database::SaveCopy(const QString& target, const std::function<bool()>& goOn
         copy.open(temporary, true, false);
         copyPages(d->store, copy, [&] { return !d->cancelled && (!goOn || goOn()); });
         copy.close();
-        QFile::setPermissions(temporary, QFile::permissions(d->path));
+        // The file may be gone from under its name: a copy is what saves it then.
+        if (QFileInfo::exists(d->path))
+            QFile::setPermissions(temporary, QFile::permissions(d->path));
+        giveName(temporary, target);
+    } catch (...) {
+        removeTemporary(temporary);
+        throw;
+    }
+}
+
+void checkPages(Database& database)
+{
+    const QString found = database.store().single(u"PRAGMA integrity_check(1)"_s).toString();
+    if (found == u"ok"_s)
+        return;
+    qCWarning(jetLog).noquote() << database.Name() << found;
+    fail(3049, database.Name());
+}
+
+void compactSound(const QString& source, const QString& target, const std::function<bool()>& goOn,
+                  const OpenOptions& options)
+{
+    checkTarget(source, target);
+    const QString temporary = temporaryPath(target);
+    const auto original = Database::Open(source, options);
+    removeTemporary(temporary);
+    try {
+        original->SetProgress(goOn);
+        copyInto(original->store(), temporary);
+        Store copy;
+        copy.open(temporary, false, false);
+        copy.setProgress(goOn);
+        resetCounters(copy, original->schema());
+        checkCopy(copy, original->store(), original->schema(), target);
+        copy.close();
+        QFile::setPermissions(temporary, QFile::permissions(original->Name()));
         giveName(temporary, target);
     } catch (...) {
         removeTemporary(temporary);
@@ -170,25 +208,8 @@ void Database::SaveCopy(const QString& target, const std::function<bool()>& goOn
 void Database::Compact(const QString& source, const QString& target, const OpenOptions& options)
 {
     checkTarget(source, target);
-    const QString temporary = temporaryPath(target);
-    const auto original = Open(source, options);
-    removeTemporary(temporary);
-    try {
-        const QString found = original->store().single(u"PRAGMA integrity_check(1)"_s).toString();
-        if (found != u"ok"_s)
-            fail(3049, original->Name(), found);
-        copyInto(original->store(), temporary);
-        Store copy;
-        copy.open(temporary, false, false);
-        resetCounters(copy, original->schema());
-        checkCopy(copy, original->store(), original->schema(), target);
-        copy.close();
-        QFile::setPermissions(temporary, QFile::permissions(original->Name()));
-        giveName(temporary, target);
-    } catch (...) {
-        removeTemporary(temporary);
-        throw;
-    }
+    checkPages(*Open(source, options));
+    compactSound(source, target, {}, options);
 }
 
 } // namespace jet

@@ -1,12 +1,13 @@
 #include "platform/ReplaceFile.h"
 
+#include "platform/SystemReason.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,7 +22,9 @@ const QString unfinished = u".tmp-"_s;
 
 bool flushed(QFile& file)
 {
-    return file.flush() && ::fsync(file.handle()) == 0;
+    errno = 0;
+    // What the disk took in part says why it did not take the rest when it is asked again.
+    return (file.flush() || file.flush()) && ::fsync(file.handle()) == 0;
 }
 
 void flushFolder(const QString& folder)
@@ -49,14 +52,16 @@ FileReplacement::~FileReplacement()
 
 QString FileReplacement::open()
 {
-    return m_out.open(QIODevice::WriteOnly | QIODevice::Truncate) ? QString() : m_out.errorString();
+    errno = 0;
+    return m_out.open(QIODevice::WriteOnly | QIODevice::Truncate) ? QString() : fileReason(m_out, errno);
 }
 
 QString FileReplacement::write(const QByteArray& piece)
 {
+    errno = 0;
     if (m_out.isOpen() && m_out.write(piece) == piece.size())
         return {};
-    const QString error = m_out.errorString();
+    const QString error = fileReason(m_out, errno);
     m_out.remove();
     return error;
 }
@@ -64,13 +69,13 @@ QString FileReplacement::write(const QByteArray& piece)
 QString FileReplacement::commit()
 {
     bool written = m_out.isOpen() && flushed(m_out);
-    QString error = m_out.errorString();
+    QString error = written ? QString() : fileReason(m_out, errno);
     m_out.close();
     if (written) {
         written = std::rename(QFile::encodeName(m_out.fileName()).constData(),
                               QFile::encodeName(m_target).constData())
                   == 0;
-        error = QString::fromLocal8Bit(std::strerror(errno));
+        error = systemReason(errno);
     }
     if (!written) {
         m_out.remove();

@@ -165,6 +165,10 @@ TEST(Session, OptimisesWithABackup)
     db->Execute(u"INSERT INTO Taxons ([Taxon],[ID Famille],[ID Genre],[ID Espèce]) VALUES (\"Canina\",1,2,3)"_s);
     db->Execute(u"INSERT INTO Taxons ([Taxon],[ID Famille],[ID Genre],[ID Espèce],[ID Infra]) VALUES (\"Var. Alba\",1,2,3,4)"_s);
     db->Execute(u"INSERT INTO Taxons ([Taxon],[ID Genre],[ID Espèce],[ID Valid]) VALUES (\"orpheline\",99,5,98)"_s);
+    // Records of the first individual; their numbers are those of the second one too.
+    db->Execute(u"INSERT INTO Déterminations ([ID Individus],[ID Taxons]) VALUES (1,3)"_s);
+    db->Execute(u"INSERT INTO Déterminations ([ID Individus],[ID Taxons],[KeyParent]) VALUES (1,3,\"1-Individus\")"_s);
+    db->Execute(u"INSERT INTO Images ([ID Individus],[Fichier],[KeyParent]) VALUES (1,\"sous.jpg\",\"2-Déterminations\")"_s);
     db->Execute(u"INSERT INTO Localités ([Localité],[LongDD],[LatDD],[CodeRegion],[ID Type]) VALUES (\" France \",0,0,\"1\",0)"_s);
     db->Execute(u"INSERT INTO Localités ([Localité],[LongDD],[LatDD],[CodeRegion],[ID Type]) VALUES (\"Hérault\",0,0,\"1/2\",1)"_s);
     db->Execute(u"INSERT INTO Localités ([Localité],[LongDD],[LatDD],[CodeRegion],[ID Type]) VALUES (\"Carte\",0,0,\"3\",-1)"_s);
@@ -191,13 +195,75 @@ TEST(Session, OptimisesWithABackup)
     ASSERT_TRUE(project.session.isOpen());
     EXPECT_EQ(project.rows(u"SELECT Numéro,[ID Déterminations] FROM Individus"_s), (QStringList{u"1|∅"_s, u"2|∅"_s}));
     EXPECT_EQ(project.rows(u"SELECT Fichier,KeyParent FROM Images ORDER BY [ID Images]"_s),
-              (QStringList{u"perdu.jpg|∅"_s, u"autre.jpg|∅"_s, u"bon.jpg|1-Individus"_s}));
+              (QStringList{u"perdu.jpg|∅"_s, u"autre.jpg|∅"_s, u"bon.jpg|1-Individus"_s, u"sous.jpg|2-Déterminations"_s}));
+    EXPECT_EQ(project.rows(u"SELECT KeyParent FROM Déterminations ORDER BY [ID Déterminations]"_s),
+              (QStringList{u"∅"_s, u"1-Individus"_s}));
     EXPECT_EQ(project.rows(u"SELECT [Nom Complet],[ID Valid] FROM Taxons ORDER BY [ID Taxons]"_s),
               (QStringList{u"Rosaceae|∅"_s, u"ROSA|∅"_s, u"Rosa canina|∅"_s, u"Rosa canina var. alba|∅"_s, u" orpheline|∅"_s}));
     EXPECT_EQ(project.rows(u"SELECT Localité,[Nom Entier] FROM Localités ORDER BY [ID Localités]"_s),
               (QStringList{u"France|∅"_s, u"Hérault|France - Hérault"_s, u"Carte|∅"_s}));
     EXPECT_EQ(data::verify(project.db(), project.session.modules()), QStringList());
     EXPECT_TRUE(bytesOf(project.path(u"projet.hbx.bak"_s)).startsWith("SQLite format 3"));
+}
+
+TEST(Session, OptimisesNoDamagedProjectOverASoundBackup)
+{
+    TestProject project;
+    project.create();
+    for (int i = 0; i < 400; ++i)
+        project.db().Execute(u"INSERT INTO Individus ([Numéro],[Description]) VALUES (\"1\",\"%1\")"_s.arg(QString(500, u'x')));
+    project.session.close();
+    QByteArray damaged = bytesOf(project.path());
+    damaged.replace(damaged.size() / 4096 / 2 * 4096, 4096, QByteArray(4096, '\0'));
+    put(project.path(), damaged);
+    put(project.path(u"projet.hbx.bak"_s), "sauvegarde saine");
+    ASSERT_TRUE(project.open());
+    project.dialogues.expectLike({u"L'optimisation a échoué"_s, u"est endommagé ; reprenez une copie de sauvegarde."_s},
+                                 u"Herbora - Optimisation"_s, BoxIcon::Stop);
+    EXPECT_FALSE(project.session.optimiseConfirmed(project.progression));
+    EXPECT_TRUE(project.session.isOpen());
+    project.session.close();
+    EXPECT_EQ(bytesOf(project.path()), damaged);
+    EXPECT_EQ(bytesOf(project.path(u"projet.hbx.bak"_s)), "sauvegarde saine");
+}
+
+/// The user wants to stop as soon as a step begins.
+class StoppedAt : public support::RecordedProgression {
+public:
+    explicit StoppedAt(QString text) : m_text(std::move(text)) {}
+    bool cancelled() const override { return !steps.isEmpty() && steps.last().endsWith(m_text); }
+
+private:
+    QString m_text;
+};
+
+TEST(Session, StopsOptimisingAndOpensTheProjectAgain)
+{
+    TestProject project;
+    project.create();
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
+    for (const QString& step : {u"Vérification des Taxons"_s, u"Sauvegarde le base actuelle"_s, u"Compactage le base actuelle"_s}) {
+        // Enough for the store to ask between two of its steps.
+        project.db().Execute(u"INSERT INTO Taxons ([Taxon],[Nom Complet]) SELECT \"a\", a.[NomObjet] & b.[NomObjet] & a.[ID Def] & \"-\" & b.[ID Def]"
+                             " & \"%1\" FROM PGTableDefs AS a, PGTableDefs AS b"_s.arg(step));
+        StoppedAt progression(step);
+        EXPECT_FALSE(project.session.optimiseConfirmed(progression)) << step.toStdString();
+        ASSERT_TRUE(project.session.isOpen());
+        EXPECT_EQ(project.single(u"SELECT Count(*) FROM Individus"_s), 1);
+    }
+    project.session.close();
+    QStringList files = filesIn(project.folder);
+    files.removeAll(u"projet.hbx.bak"_s);
+    EXPECT_EQ(files, (QStringList{u"Herbora.ini"_s, u"projet.hbx"_s}));
+}
+
+TEST(Session, NamesFilesInMessagesAsTheyWillBe)
+{
+    const QString unfinished = app::temporaryPath(u"/tmp/a/b.hbx"_s);
+    EXPECT_TRUE(app::isTemporary(unfinished));
+    EXPECT_FALSE(app::isTemporary(u"/tmp/.a/b.hbx"_s));
+    EXPECT_EQ(app::withFinalNames(u"« %1 » et « %2 »."_s.arg(unfinished, app::temporaryPath(unfinished))),
+              u"« /tmp/a/b.hbx » et « /tmp/a/b.hbx »."_s);
 }
 
 TEST(Session, RestoresABackupWhenTheProjectIsMissing)

@@ -151,8 +151,9 @@ void ProjectCommands::saveCopy()
 void ProjectCommands::optimise()
 {
     if (m_session.isOpen() && mayChange() && m_session.confirmOptimise())
-        run(u"Optimisation"_s,
-            [this](platform::Progression& progression) { return m_session.optimiseConfirmed(progression); });
+        run(
+            u"Optimisation"_s,
+            [this](platform::Progression& progression) { return m_session.optimiseConfirmed(progression); }, true);
 }
 
 bool ProjectCommands::restructure(const QString& text, std::function<bool(platform::Progression&)> work)
