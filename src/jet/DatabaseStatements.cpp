@@ -7,6 +7,7 @@
 #include "jet/SqlText.h"
 #include "jet/TableRows.h"
 
+#include <sqlite3.h>
 
 namespace jet {
 
@@ -32,6 +33,17 @@ void undo(Store& store, const QString& sql)
     }
 }
 
+/// A file that was deleted, moved or replaced by another while it is open is still there for the store, and for nobody
+/// else: what is written goes with it.
+void checkPlace(Store& store, const QString& path)
+{
+    int moved = 0;
+    if (sqlite3_file_control(store.handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved) != SQLITE_OK || moved == 0)
+        return;
+    throw Error(3043, u"Le fichier « %1 » a été déplacé, remplacé ou supprimé pendant qu'il était ouvert : plus rien n'y "
+                      u"est enregistré. Enregistrez une copie du projet sous un autre nom et continuez avec elle."_s.arg(path));
+}
+
 /// `[Nom]` and `Nom` are the same name.
 QString withoutBrackets(const QString& source)
 {
@@ -49,6 +61,8 @@ void Database::Private::beforeWrite()
 {
     if (readOnly)
         fail(3027, path);
+    if (!store.inTransaction())
+        checkPlace(store, path);
     if (!operations.isEmpty() && !store.inTransaction())
         throw Error(
             3034,
@@ -200,6 +214,8 @@ void Database::CommitOperation()
     if (!isOpen() || d->operations.isEmpty())
         fail(3034);
     d->beforeWrite();
+    if (d->operations.size() == 1)
+        checkPlace(d->store, d->path);
     // A commit that fails leaves the operation open: what follows can only be its rollback.
     d->store.run(d->operations.size() == 1 ? u"COMMIT"_s
                                            : u"RELEASE "_s + savepoint(d->operations.size() - 1));

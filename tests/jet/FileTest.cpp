@@ -1,6 +1,7 @@
 // Files: what is opened, what is refused and how, what is left behind.
 #include "FileFixture.h"
 
+#include "jet/Compaction.h"
 #include "jet/text/TextOrder.h"
 
 #include <QCoreApplication>
@@ -403,6 +404,38 @@ TEST_F(FileTest, AnotherOrderOfTextsRebuildsTheIndexes)
     EXPECT_TRUE(db->Check().isEmpty());
 }
 
+// --- Taken away while it is open -----------------------------------------------------------------
+
+TEST_F(FileTest, NothingIsWrittenToAFileThatIsNotAtItsPlaceAndACopySavesIt)
+{
+    const QString elsewhere = folder.filePath(u"ailleurs.hbx"_s);
+    const QString copy = folder.filePath(u"copie.hbx"_s);
+    for (const bool replaced : {false, true}) {
+        createTaxa();
+        addTaxa(5); // with a journal that stays open
+        {
+            jet::Operation begun(*db, u"Saisie"_s);
+            db->Execute(u"INSERT INTO Taxons (Nom) VALUES (\"perdu\")"_s);
+            ASSERT_TRUE(QFile::rename(path, elsewhere));
+            EXPECT_TRUE(!replaced || QFile::copy(elsewhere, path));
+            EXPECT_EQ(failureOf([&] { begun.commit(); }).number(), 3043);
+        }
+        const Error failure = failureOf([&] { db->Execute(u"INSERT INTO Taxons (Nom) VALUES (\"perdu\")"_s); });
+        EXPECT_EQ(failure.number(), 3043);
+        EXPECT_TRUE(failure.description().contains(path)) << failure.description().toStdString();
+        EXPECT_EQ(failureOf([&] { db->SetProperty(u"a"_s, 1); }).number(), 3043);
+        EXPECT_EQ(single(u"SELECT count(*) FROM Taxons"_s), 5);
+        db->SaveCopy(copy);
+        EXPECT_TRUE(QFile::permissions(copy) & QFile::ReadOwner);
+        close();
+        db = jet::Database::Open(copy);
+        EXPECT_EQ(single(u"SELECT count(*) FROM Taxons"_s), 5);
+        close();
+        for (const QString& name : filesBeside())
+            QFile::remove(folder.filePath(name));
+    }
+}
+
 // --- Compaction ----------------------------------------------------------------------------------
 
 TEST_F(FileTest, CompactingKeepsAllAndResetsTheCounters)
@@ -444,6 +477,22 @@ TEST_F(FileTest, CompactingRefusesAndLeavesEverythingAsItWas)
     write(path, damaged);
     EXPECT_EQ(failureOf([&] { Database::Compact(path, target); }).number(), 3049);
     EXPECT_EQ(filesBeside(), QStringList{u"essai.hbx"_s});
+}
+
+TEST_F(FileTest, CompactingStopsWhenItIsToldToAndLeavesNothing)
+{
+    createTaxa();
+    addTaxa(20'000);
+    close();
+    const QString target = folder.filePath(u"petit.hbx"_s);
+    int asked = 0;
+    const Error failure = failureOf([&] { jet::compactSound(path, target, [&] { return ++asked < 3; }); });
+    EXPECT_EQ(failure.number(), 3059);
+    EXPECT_EQ(filesBeside(), QStringList{u"essai.hbx"_s});
+    jet::compactSound(path, target, [] { return true; });
+    path = target;
+    open();
+    EXPECT_EQ(single(u"SELECT count(*) FROM Taxons"_s), 20'000);
 }
 
 // --- Findings ------------------------------------------------------------------------------------
