@@ -18,6 +18,12 @@ const QString shownMark = u">"_s;
 /// Longer lists are offered without what their records hold, which would have to be read.
 constexpr qsizetype longestDescribedList = 300;
 
+/// By its column; a column may be called "2", which is no place in the form.
+Cl_Edition* fieldNamed(Cl_Editions& form, const QString& column)
+{
+    return form.Item(form.Index(column));
+}
+
 } // namespace
 
 IndividualEditing::IndividualEditing(EditingTools tools)
@@ -574,7 +580,7 @@ bool IndividualEditing::refresh(RefreshScope scope, Cl_Edition* field)
 
 bool IndividualEditing::addFiles(EditedRecord& first, const QString& column, const QStringList& files)
 {
-    Cl_Edition* field = files.isEmpty() ? nullptr : form(first).Item(column);
+    Cl_Edition* field = files.isEmpty() ? nullptr : fieldNamed(form(first), column);
     if (!field || isReadOnly(first, *field))
         return false;
     type(first, *field, files.first());
@@ -588,7 +594,7 @@ bool IndividualEditing::addFiles(EditedRecord& first, const QString& column, con
     for (const QString& file : files.mid(1)) {
         EditedRecord* record = append(first.module, first.parent);
         fill(*record, values);
-        m_input.take(*form(*record).Item(column), file);
+        m_input.take(*fieldNamed(form(*record), column), file);
     }
     buildTree();
     makeCurrent(&first);
@@ -617,7 +623,7 @@ bool IndividualEditing::wizard(WizardFields which, FormDialogue& dialogue)
     if (!dialogue.edit(name(*m_current), copies, [](Cl_Editions&) { return true; }) || !m_current || m_current->key != key)
         return false;
     for (const auto& copy : copies) {
-        Cl_Edition* field = form(*m_current).Item(copy->champ());
+        Cl_Edition* field = fieldNamed(form(*m_current), copy->champ());
         if (field && (field->value() != copy->value() || field->value().isValid() != copy->value().isValid()))
             m_input.take(*field, copy->value());
     }
@@ -629,7 +635,7 @@ bool IndividualEditing::wizard(WizardFields which, FormDialogue& dialogue)
 
 void IndividualEditing::Wizard_ChampActif(const QString& column)
 {
-    Cl_Edition* field = m_current ? form(*m_current).Item(column) : nullptr;
+    Cl_Edition* field = m_current ? fieldNamed(form(*m_current), column) : nullptr;
     if (field && fieldActivated)
         fieldActivated(*field);
 }

@@ -408,6 +408,26 @@ TEST_F(IndividualEditingTest, SeveralFilesBecomeSeveralRecords)
               (QStringList{u"1.jpg|port|2-Individus"_s, u"2.jpg|port|2-Individus"_s, u"3.jpg|port|2-Individus"_s}));
 }
 
+TEST_F(IndividualEditingTest, AColumnMayBeCalledLikeAPlaceInTheForm)
+{
+    data::ModuleRecord plots;
+    plots.name = plots.label = u"Parcelles"_s;
+    for (const QString& name : {u"Nom"_s, u"0"_s}) {
+        plots.fields << data::FieldRecord();
+        plots.fields.last().column = plots.fields.last().caption = name;
+    }
+    ASSERT_TRUE(project.session.changeStructure([&] {
+        project.session.dictionary().put(plots);
+        project.session.dictionary().save();
+    }));
+    start();
+    ASSERT_TRUE(edit->EditItems(u"1-Individus;2\\2-Parcelles;N"_s));
+    EXPECT_TRUE(edit->addFiles(*edit->current(), u"0"_s, {u"a"_s}));
+    const editing::Cl_Editions& form = edit->form(*edit->current());
+    EXPECT_FALSE(form.Item(form.Index(u"Nom"_s))->value().isValid());
+    EXPECT_EQ(form.Item(form.Index(u"0"_s))->value(), u"a"_s);
+}
+
 TEST_F(IndividualEditingTest, AnotherRecordMayTakeTheValuesOver)
 {
     ASSERT_TRUE(edit->EditItems(u"2-Images"_s));

@@ -319,7 +319,8 @@ void RecordEditorWindow::showCurrent()
 /// The first field that can be edited, where the column is none that is shown.
 void RecordEditorWindow::focusColumn(EditedRecord& record, const QString& column)
 {
-    const Cl_Edition* field = column.isEmpty() ? nullptr : m_editing.form(record).Item(column);
+    const Cl_Editions& form = m_editing.form(record);
+    const Cl_Edition* field = column.isEmpty() ? nullptr : form.Item(form.Index(column));
     if (!field || !m_pane->focusField(*field))
         m_pane->focusFirst();
 }

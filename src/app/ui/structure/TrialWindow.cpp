@@ -131,7 +131,7 @@ void TrialWindow::refresh()
         editing::FormSection section;
         section.title = u"Étape %1"_s.arg(++step);
         for (const DraftField& draft : group) {
-            editing::Cl_Edition* field = m_form->Item(draft.record.column);
+            editing::Cl_Edition* field = m_form->Item(m_form->Index(draft.record.column));
             if (!field)
                 continue;
             if (typed.contains(draft.record.column))
