@@ -1,12 +1,15 @@
 #include "platform/Clock.h"
 #include "platform/Dialogues.h"
 #include "platform/FileAssociation.h"
+#include "platform/ReplaceFile.h"
 #include "platform/Settings.h"
 #include "support/Files.h"
 #include "support/Print.h"
 
 #include <QTemporaryDir>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -56,6 +59,28 @@ TEST(Settings, SayWhenTheyCannotBeWritten)
 {
     platform::Settings settings(u"/proc/herbora/Herbora.ini"_s);
     EXPECT_FALSE(settings.write(u"Général.DefaultBase"_s, u"x"_s));
+}
+
+TEST(ReplaceFile, SaysInFrenchWhyItFailedAndLeavesWhatWasThere)
+{
+    const QTemporaryDir folder;
+    EXPECT_EQ(platform::replaceFile(folder.filePath(u"absent/a.txt"_s), "neuf"), u"ce fichier ou son dossier n'existe pas"_s);
+    const QString file = folder.filePath(u"a.txt"_s);
+    ASSERT_EQ(platform::replaceFile(file, "ancien"), QString());
+    // A disk that takes the beginning only.
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{1000, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const QString shortWrite = platform::replaceFile(file, QByteArray(5000, 'x'));
+    const QString longWrite = platform::replaceFile(file, QByteArray(500'000, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(shortWrite, u"le fichier serait trop grand"_s);
+    EXPECT_EQ(longWrite, u"le fichier serait trop grand"_s);
+    EXPECT_EQ(support::bytesOf(file), "ancien");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"a.txt"_s});
 }
 
 TEST(Clock, StampsSortLikeTime)
