@@ -142,8 +142,10 @@ void removeStrayFiles(const QString& project)
     const QFileInfo file(project);
     QDir folder(file.absolutePath());
     const QString begin = u'.' + file.fileName();
-    const QStringList names = folder.entryList({begin + u"*.tmp-*"_s}, QDir::Files | QDir::Hidden);
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden);
     for (const QString& name : names) {
+        if (!name.startsWith(begin) || !name.contains(marker)) // no pattern: a name may hold "[" and "*"
+            continue;
         // The number may be followed by what goes with a file: "-journal", ".lock".
         const QString tail = name.mid(name.lastIndexOf(marker) + marker.size());
         bool number = false;

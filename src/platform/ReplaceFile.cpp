@@ -98,7 +98,10 @@ void removeUnfinished(const QString& path)
 {
     const QFileInfo file(path);
     QDir folder(file.absolutePath());
-    for (const QString& name : folder.entryList({file.fileName() + unfinished + u'*'}, QDir::Files)) {
+    const QString begin = file.fileName() + unfinished; // no pattern: a name may hold "[" and "*"
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden)) {
+        if (!name.startsWith(begin))
+            continue;
         const int process = name.section(unfinished, -1).toInt();
         if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH)
             folder.remove(name);

@@ -1,9 +1,11 @@
 #include "reference/TaxonFile.h"
 
 #include "jet/Error.h"
+#include "platform/SystemReason.h"
 
 #include <QStringDecoder>
 #include <algorithm>
+#include <cerrno>
 
 namespace reference {
 
@@ -50,7 +52,8 @@ int TaxonLine::rank() const
 TaxonFile::TaxonFile(const QString& path) : m_file(path)
 {
     if (!m_file.open(QIODevice::ReadOnly))
-        throw jet::Error(unreadableFile, u"Impossible de lire le fichier « "_s + path + u" » : "_s + m_file.errorString());
+        throw jet::Error(unreadableFile, u"Impossible de lire le fichier « "_s + path + u" » : "_s
+                                            + platform::fileReason(m_file, errno) + u'.');
     m_header = m_file.readLine();
     if (m_header.startsWith("\xef\xbb\xbf"))
         m_header.remove(0, 3);
@@ -83,7 +86,7 @@ bool TaxonFile::next()
             return false;
         m_raw = m_file.readLine();
         if (m_raw.isEmpty())
-            throw jet::Error(unreadableFile, u"Erreur de lecture : "_s + m_file.errorString());
+            throw jet::Error(unreadableFile, u"Erreur de lecture : "_s + platform::fileReason(m_file, errno) + u'.');
         chopEnd(m_raw);
     } while (m_raw.trimmed().isEmpty());
     return true;

@@ -257,6 +257,21 @@ TEST(Session, StopsOptimisingAndOpensTheProjectAgain)
     EXPECT_EQ(files, (QStringList{u"Herbora.ini"_s, u"projet.hbx"_s}));
 }
 
+TEST(Session, RemovesWhatADeadProcessLeftWhateverTheProjectIsCalled)
+{
+    TestProject project;
+    const QString name = u"relevés [2024] *.hbx"_s;
+    QProcess gone;
+    gone.start(u"true"_s, {});
+    const QString dead = u".tmp-"_s + QString::number(gone.processId());
+    ASSERT_TRUE(gone.waitForFinished());
+    const QStringList stay{u".autre [2024] *.hbx"_s + dead, u"."_s + name + u".tmp-1"_s};
+    for (const QString& file : stay + QStringList{u"."_s + name + dead, u"."_s + name + u".bak"_s + dead, u"."_s + name + dead + u"-journal"_s})
+        put(project.path(file), "x");
+    app::removeStrayFiles(project.path(name));
+    EXPECT_EQ(filesIn(project.folder), stay);
+}
+
 TEST(Session, NamesFilesInMessagesAsTheyWillBe)
 {
     const QString unfinished = app::temporaryPath(u"/tmp/a/b.hbx"_s);

@@ -1,8 +1,10 @@
 #include "app/import/CsvFile.h"
 
 #include "jet/Error.h"
+#include "platform/SystemReason.h"
 
 #include <array>
+#include <cerrno>
 
 namespace app {
 
@@ -31,9 +33,11 @@ QString fromWindows(const QByteArray& bytes)
     return text;
 }
 
+/// Right after the call that failed.
 [[noreturn]] void unreadable(const QFile& file)
 {
-    throw jet::Error(unreadableError, u"Impossible de lire « %1 » : %2"_s.arg(file.fileName(), file.errorString()));
+    const QString reason = platform::fileReason(file, errno);
+    throw jet::Error(unreadableError, u"Impossible de lire « %1 » : %2."_s.arg(file.fileName(), reason));
 }
 
 void openFile(QFile& file)

@@ -52,10 +52,10 @@ void exportStructure(const QString& path, const QList<data::ModuleRecord>& modul
         fill(*database, modules, version, clock, dialogues);
         database->Close();
         moveIntoPlace(unfinished, target);
-    } catch (...) {
+    } catch (const jet::Error& error) {
         removeStrayFiles(target);
         QFile::remove(unfinished);
-        throw;
+        throw jet::Error(error.number(), withFinalNames(error.description()), error.source());
     }
 }
 

@@ -1,6 +1,7 @@
 #include "app/ui/AccessReportDialog.h"
 
 #include "app/ui/Icons.h"
+#include "platform/ReplaceFile.h"
 
 #include <QClipboard>
 #include <QDialogButtonBox>
@@ -8,7 +9,6 @@
 #include <QGuiApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QVBoxLayout>
 
 namespace app {
@@ -48,10 +48,9 @@ void AccessReportDialog::save()
                                               u"Rapport d'importation.txt"_s);
     if (path.isEmpty())
         return;
-    QSaveFile file(path);
-    const QByteArray bytes = m_report.toUtf8() + '\n';
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        m_dialogues.tell(u"Le rapport n'a pas pu être enregistré : %1."_s.arg(file.errorString()), windowTitle(),
+    const QString error = platform::replaceFile(path, m_report.toUtf8() + '\n');
+    if (!error.isEmpty())
+        m_dialogues.tell(u"Le rapport n'a pas pu être enregistré : %1."_s.arg(error), windowTitle(),
                          platform::BoxIcon::Stop);
 }
 

@@ -1,9 +1,10 @@
 #include "editing/ui/DraftKeeper.h"
 
+#include "platform/ReplaceFile.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QLoggingCategory>
-#include <QSaveFile>
 #include <utility>
 
 namespace editing {
@@ -30,6 +31,8 @@ DraftKeeper::DraftKeeper(QString file, std::function<QJsonObject()> draft, QObje
     const QString first = m_file;
     for (int number = 1; number <= mostDrafts && QFile::exists(m_file); ++number)
         m_file = numbered(first, number);
+    if (!m_file.isEmpty())
+        platform::removeUnfinished(m_file);
     m_timer.setSingleShot(true);
     m_timer.setInterval(pauseMilliseconds);
     connect(&m_timer, &QTimer::timeout, this, &DraftKeeper::flush);
@@ -58,11 +61,11 @@ void DraftKeeper::flush()
             discard();
         return;
     }
-    QSaveFile file(m_file);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(draft).toJson()) < 0 || !file.commit())
-        qCWarning(draftLog).noquote() << m_file << file.errorString();
-    else
+    const QString error = platform::replaceFile(m_file, QJsonDocument(draft).toJson());
+    if (error.isEmpty())
         m_written = true;
+    else
+        qCWarning(draftLog).noquote() << m_file << error;
 }
 
 QString DraftKeeper::left(const QString& file)
