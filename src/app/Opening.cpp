@@ -3,6 +3,7 @@
 #include "app/Session.h"
 #include "data/CoreModules.h"
 #include "data/CoreSchema.h"
+#include "jet/Recordset.h"
 
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -40,6 +41,70 @@ void updateVersion(jet::Database& database, const QString& running)
     database.SetProperty(versionProperty, running);
 }
 
+/// Says each message once: the modules are built twice in an opening, and what is wrong with one is wrong both times.
+class SaidOnce : public platform::Dialogues {
+public:
+    explicit SaidOnce(platform::Dialogues& real) : m_real(real) {}
+
+    platform::Answer ask(const platform::Message& message) override
+    {
+        if (message.buttons != platform::BoxButtons::Ok)
+            return m_real.ask(message);
+        if (m_said.contains(message.text))
+            return platform::Answer::Ok;
+        m_said << message.text;
+        return m_real.ask(message);
+    }
+    std::optional<QString> input(const QString& title, const QString& prompt, const QString& byDefault) override
+    {
+        return m_real.input(title, prompt, byDefault);
+    }
+    std::optional<QList<int>> choose(const platform::Choice& choice) override { return m_real.choose(choice); }
+    QString openFile(const QString& title, const QString& filter, const QString& folder) override
+    {
+        return m_real.openFile(title, filter, folder);
+    }
+    QStringList openFiles(const QString& title, const QString& filter, const QString& folder) override
+    {
+        return m_real.openFiles(title, filter, folder);
+    }
+    QString saveFile(const QString& title, const QString& filter, const QString& proposal) override
+    {
+        return m_real.saveFile(title, filter, proposal);
+    }
+    QString chooseFolder(const QString& title, const QString& folder) override
+    {
+        return m_real.chooseFolder(title, folder);
+    }
+
+private:
+    platform::Dialogues& m_real;
+    QStringList m_said;
+};
+
+/// Names and providers of the modules in the file, those that could not be built among them.
+QList<data::ModuleRecord> modulesInFile(jet::Database& database)
+{
+    QList<data::ModuleRecord> modules;
+    const auto rows =
+        database.OpenRecordset(u"SELECT [NomModule],[ModuleConnexion] FROM PGTableDefs WHERE [Type]=\"Addin\""_s);
+    for (; !rows->EOF_(); rows->MoveNext()) {
+        data::ModuleRecord module;
+        module.name = rows->Value(0).toString();
+        module.provider = rows->Value(1).toString();
+        modules << module;
+    }
+    return modules;
+}
+
+void attach(Addins& addins, jet::Database& database, const data::Dictionary& dictionary)
+{
+    addins.attach(database, dictionary.modules());
+    if (addins.isEmpty())
+        throw jet::Error(noModuleError, u"Aucun Module attaché à la collection ColAddin"_s,
+                         u"LoadDataBase"_s);
+}
+
 } // namespace
 
 void Session::openFile(const QString& path)
@@ -57,7 +122,8 @@ void Session::validateStructure()
 {
     if (m_database->readOnly())
         return;
-    m_dictionary->markUnconnected(m_addins->keptModules(m_dictionary->modules()));
+    // A module that could not be built is not lost: its table waits for whoever mends it.
+    m_dictionary->markUnconnected(m_addins->keptModules(modulesInFile(*m_database)));
     m_dictionary->purge();
     m_dictionary->save();
 }
@@ -65,10 +131,7 @@ void Session::validateStructure()
 void Session::connectModules()
 {
     m_dictionary->load();
-    m_addins->attach(*m_database, m_dictionary->modules());
-    if (m_addins->isEmpty())
-        throw jet::Error(noModuleError, u"Aucun Module attaché à la collection ColAddin"_s,
-                         u"LoadDataBase"_s);
+    attach(*m_addins, *m_database, *m_dictionary);
 }
 
 void Session::runOpening(const QString& path, platform::Progression& progression)
@@ -76,6 +139,12 @@ void Session::runOpening(const QString& path, platform::Progression& progression
     progression.step(u"Ouverture de la base de donnée"_s, 0);
     openFile(path);
     jet::Database& database = *m_database;
+    SaidOnce dialogues(m_surroundings.dialogues);
+    const auto loadModules = [&] {
+        data::Dictionary loading(database, m_surroundings.clock, dialogues);
+        loading.load();
+        m_dictionary->replace(loading.modules());
+    };
 
     // What an older file lacks is brought in as one unit: a file is as before or up to date.
     std::optional<jet::Operation> operation;
@@ -95,7 +164,7 @@ void Session::runOpening(const QString& path, platform::Progression& progression
     updateVersion(database, m_surroundings.version);
 
     progression.step(u"Chargement des variables"_s, 30);
-    m_dictionary->load();
+    loadModules();
 
     progression.step(u"Connexion aux addin"_s, 40);
     m_addins->connectAll(*m_dictionary);
@@ -109,7 +178,8 @@ void Session::runOpening(const QString& path, platform::Progression& progression
     validateStructure();
 
     progression.step(u"Ouverture de la Structure"_s, 70);
-    connectModules();
+    loadModules();
+    attach(*m_addins, database, *m_dictionary);
     if (operation)
         operation->commit();
 

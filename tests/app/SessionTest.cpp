@@ -150,6 +150,50 @@ TEST(Session, SaysThatNoModuleIsAttached)
     EXPECT_FALSE(project.open());
 }
 
+TEST(Session, KeepsTheRecordsOfAModuleThatCannotBeOpened)
+{
+    TestProject project;
+    project.create();
+    data::ModuleRecord module;
+    module.name = module.label = u"Mesures"_s;
+    module.index = 9;
+    ASSERT_TRUE(project.session.changeStructure([&] {
+        project.session.dictionary().put(module);
+        project.session.dictionary().save();
+    }));
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
+    project.db().Execute(u"INSERT INTO Mesures ([ID Individus]) VALUES (1)"_s);
+    const jet::Field key = *project.db().schema().table(u"Mesures")->field(u"ID Mesures");
+    jet::Field other = key;
+    other.Name = u"Autre"_s;
+    project.db().RenameField(u"Mesures"_s, key.Name, other);
+    project.dialogues.expectLike({u"ERREUR Critique < Création des Champs >"_s, u"Impossible d'ouvrir le module Mesures"_s},
+                                 u"Herbora"_s, BoxIcon::Stop);
+    ASSERT_TRUE(project.open());
+    project.dialogues.verify();
+    EXPECT_EQ(project.session.dictionary().module(u"Mesures"), nullptr);
+    project.db().RenameField(u"Mesures"_s, other.Name, key);
+    ASSERT_TRUE(project.open());
+    EXPECT_NE(project.session.dictionary().module(u"Mesures"), nullptr);
+    EXPECT_EQ(project.rows(u"SELECT * FROM Mesures"_s).size(), 1);
+}
+
+TEST(Session, SaysOnceThatARuleOfUniquenessDoesNotHold)
+{
+    TestProject project;
+    project.create();
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
+    project.db().Execute(u"INSERT INTO Individus ([Numéro]) VALUES (\"1\")"_s);
+    project.db().Execute(u"UPDATE PGTableDefs SET [Flags]=32770 WHERE [Table]=\"Numéro\""_s);
+    for (int opening = 0; opening < 2; ++opening) {
+        project.dialogues.expectLike({u"ERREUR Non Critique < Création d'une règle d'unicité pour un champ > "_s},
+                                     u"Herbora"_s, BoxIcon::Stop);
+        ASSERT_TRUE(project.open());
+        project.dialogues.verify();
+        EXPECT_NE(project.session.dictionary().module(u"Individus"), nullptr);
+    }
+}
+
 TEST(Session, OptimisesWithABackup)
 {
     TestProject project;
@@ -210,8 +254,10 @@ TEST(Session, OptimisesNoDamagedProjectOverASoundBackup)
 {
     TestProject project;
     project.create();
+    jet::Operation filling(project.db(), u"Remplissage"_s);
     for (int i = 0; i < 400; ++i)
         project.db().Execute(u"INSERT INTO Individus ([Numéro],[Description]) VALUES (\"1\",\"%1\")"_s.arg(QString(500, u'x')));
+    filling.commit();
     project.session.close();
     QByteArray damaged = bytesOf(project.path());
     damaged.replace(damaged.size() / 4096 / 2 * 4096, 4096, QByteArray(4096, '\0'));
