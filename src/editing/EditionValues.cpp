@@ -224,11 +224,14 @@ void Cl_Edition::normalizeValue()
 void Cl_Edition::normalizeCoordinate()
 {
     QVariant& value = m_field->value;
-    if (const std::optional<double> number = numberOf(value)) {
+    const QString text = value.toString();
+    // "12 30" are degrees and minutes.
+    const QString inner = text.trimmed();
+    const bool severalNumbers = std::any_of(inner.begin(), inner.end(), [](QChar c) { return c.isSpace(); });
+    if (const std::optional<double> number = severalNumbers ? std::nullopt : numberOf(value)) {
         value = *number;
         return;
     }
-    const QString text = value.toString();
     if (text.trimmed().isEmpty()) // an emptied field is no place on the equator
         value = QVariant();
     else if (ctype() == data::Longitude)

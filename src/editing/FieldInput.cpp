@@ -3,6 +3,7 @@
 #include "data/FieldType.h"
 #include "editing/Formats.h"
 #include "editing/Trapped.h"
+#include "editing/TypedCoordinate.h"
 #include "jet/Compile.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
@@ -40,12 +41,11 @@ bool isPlainNumber(const QString& text)
 /// Why a typed text is no value of that type; empty when it is one.
 QString unreadable(int type, const QString& text)
 {
-    const auto isDigit = [](QChar c) { return c >= u'0' && c <= u'9'; };
     if (isNumberType(type) && !isPlainNumber(text))
         return u"Ce n'est pas un nombre"_s;
     if (type == data::Date && ParseDate(text).isEmpty())
         return u"Ce n'est pas une date. Exemples : 2001, 2001/03, 2001/03/06"_s;
-    if (isCoordinate(type) && !std::any_of(text.begin(), text.end(), isDigit))
+    if (isCoordinate(type) && !typedCoordinate(text, type == data::Longitude).isValid())
         return type == data::Longitude ? u"Ce n'est pas une longitude. Exemples : W012°30'00, -12,5"_s
                                        : u"Ce n'est pas une latitude. Exemples : N05°07'30, 5,125"_s;
     // Identifiers come as numbers. One that is typed is the beginning of a name ("12 km de Saül").
@@ -117,6 +117,8 @@ void FieldInput::take(Cl_Edition& field, const QVariant& typed) const
         }
         if (field.ctype() == data::ListeSimple && value.isValid())
             value = asListed(field.ListeItems(), value.toString());
+        if (isCoordinate(field.ctype()) && value.isValid())
+            value = typedCoordinate(value.toString(), field.ctype() == data::Longitude);
     }
     field.setValue(value);
     judge(field);

@@ -504,6 +504,12 @@ TEST(FieldInputTest, WhatIsTypedIsJudgedByTypeAndColumn)
         {7, u"DateRécolte"_s, u"jadis"_s, u"jadis"_s, u"Ce n'est pas une date. Exemples : 2001, 2001/03, 2001/03/06"_s},
         {1, u"Longitude"_s, u"W12°30"_s, -12.5, {}},
         {1, u"Longitude"_s, u"ouest"_s, u"ouest"_s, u"Ce n'est pas une longitude. Exemples : W012°30'00, -12,5"_s},
+        {1, u"Longitude"_s, u"12° 30' O"_s, -12.5, {}}, // the hemisphere as it is printed in French
+        {1, u"Longitude"_s, u"O 12,5"_s, -12.5, {}},
+        {1, u"Longitude"_s, u"1 30"_s, 1.5, {}},
+        {1, u"Longitude"_s, u"12° 30' N"_s, u"12° 30' N"_s, u"Ce n'est pas une longitude. Exemples : W012°30'00, -12,5"_s},
+        {2, u"Latitude"_s, u"-5°70'"_s, -(6 + 10 / 60.0), {}},
+        {2, u"Latitude"_s, u"N 95°00'"_s, u"N 95°00'"_s, u"Ce n'est pas une latitude. Exemples : N05°07'30, 5,125"_s},
         {2, u"Latitude"_s, u"91"_s, 91.0, u"Une latitude est comprise entre -90 et 90 degrés"_s},
         {3, u"Numéro"_s, u" e\u0301te\u0301 "_s, u"été"_s, {}},
         {3, u"Numéro"_s, QString(256, u'x'), QString(256, u'x'), u"Texte trop long : 255 caractères au plus"_s},

@@ -4,6 +4,7 @@
 #include "data/ReferenceTypes.h"
 #include "editing/Formats.h"
 #include "editing/ProjectRecords.h"
+#include "editing/TypedCoordinate.h"
 
 #include <cmath>
 
@@ -26,32 +27,6 @@ bool isDigit(QChar c)
 bool isCoordinate(int type)
 {
     return type == data::Longitude || type == data::Latitude;
-}
-
-/// The text with the letter of its hemisphere in front (as E, W, N or S), its marks and numbers behind. Empty when it is
-/// no coordinate in degrees, minutes and seconds.
-QString hemisphereFirst(const QString& text, bool longitude)
-{
-    QString letters, rest;
-    for (const QChar c : text) {
-        if (c.isLetter())
-            letters += c.toUpper();
-        else if (isDigit(c) || isSpace(c) || QStringView(u"-+.,°º'’′\"”″:").contains(c))
-            rest += c;
-        else
-            return {};
-    }
-    rest = rest.trimmed();
-    if (letters == u"O" || letters == u"OUEST") // as the French write west
-        letters = u"W"_s;
-    const QString allowed = longitude ? u"EW"_s : u"NS"_s;
-    const bool negative = rest.startsWith(u'-');
-    if (letters.size() > 1 || (!letters.isEmpty() && (!allowed.contains(letters) || negative)))
-        return {};
-    if (rest.startsWith(u'-') || rest.startsWith(u'+'))
-        rest.remove(0, 1);
-    const QChar side = negative ? (longitude ? u'W' : u'S') : letters.isEmpty() ? allowed[0] == u'E' ? u'E' : u'N' : letters[0];
-    return side + rest;
 }
 
 /// Degrees, minutes and seconds within their bounds.
@@ -163,7 +138,7 @@ QVariant ImportValues::readCoordinate(const QString& text) const
             refuse(u"au-delà de %1 degrés"_s.arg(limit), text);
         return degrees;
     }
-    const QString coordinate = hemisphereFirst(text, longitude);
+    const QString coordinate = editing::hemisphereFirst(text, longitude);
     if (coordinate.isEmpty() || std::none_of(coordinate.begin(), coordinate.end(), isDigit))
         refuse(u"ce n'est pas une coordonnée"_s, text);
     // A letter and decimal degrees.
