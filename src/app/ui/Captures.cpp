@@ -39,20 +39,6 @@ public:
     QString chooseFolder(const QString&, const QString&) override { return {}; }
 };
 
-QPalette darkPalette()
-{
-    QPalette palette(QColor(0x31, 0x36, 0x3b), QColor(0x2a, 0x2e, 0x32));
-    palette.setColor(QPalette::Base, QColor(0x1b, 0x1e, 0x20));
-    palette.setColor(QPalette::AlternateBase, QColor(0x23, 0x26, 0x29));
-    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x7d, 0x57));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(0x6c, 0xbb, 0x72));
-    palette.setColor(QPalette::PlaceholderText, QColor(0xa1, 0xa9, 0xb1));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
-        palette.setColor(QPalette::Disabled, role, QColor(0x7f, 0x8c, 0x8d));
-    return palette;
-}
-
 void photographTables(Photographer& photographer)
 {
     photographer.open(u"Individus"_s);
@@ -79,6 +65,20 @@ private:
 };
 
 } // namespace
+
+QPalette darkPalette()
+{
+    QPalette palette(QColor(0x31, 0x36, 0x3b), QColor(0x2a, 0x2e, 0x32));
+    palette.setColor(QPalette::Base, QColor(0x1b, 0x1e, 0x20));
+    palette.setColor(QPalette::AlternateBase, QColor(0x23, 0x26, 0x29));
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x7d, 0x57));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xbb, 0x72));
+    palette.setColor(QPalette::PlaceholderText, QColor(0xa1, 0xa9, 0xb1));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x7f, 0x8c, 0x8d));
+    return palette;
+}
 
 int takeCaptures(const QString& folder, const QString& file, const QString& applicationFolder)
 {

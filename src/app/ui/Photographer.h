@@ -15,13 +15,14 @@ class Program;
 class Photographer {
 public:
     Photographer(Program& program, const QString& folder) : m_program(program), m_folder(folder) {}
+    virtual ~Photographer() = default;
 
     Program& program() const { return m_program; }
     /// Lets the windows work until nothing runs, every row is known and `ready` (may be empty) agrees.
     void settle(const std::function<bool()>& ready = {});
     /// Writes a picture of the main window, or of another, as NAME.png (NAME-sombre.png in dark colours).
     void take(const QString& name);
-    void take(const QString& name, QWidget& window);
+    virtual void take(const QString& name, QWidget& window);
     /// Opens what a node of the module tree stands for, as by Return.
     void open(const QString& key);
     void setPalette(const QPalette& palette, const QString& suffix);

@@ -1,6 +1,7 @@
 #include "app/ui/Program.h"
 
 #include "app/ui/Icons.h"
+#include "platform/ui/Readable.h"
 
 #include <QApplication>
 #include <QLibraryInfo>
@@ -71,7 +72,7 @@ void prepareApplication()
     QApplication::setApplicationName(u"herbora"_s);
     QApplication::setApplicationVersion(u"" HERBORA_VERSION ""_s);
     QApplication::setDesktopFileName(u"org.herbora.Herbora"_s);
-    followPalette();
+    platform::keepReadable(followPalette);
     QApplication::setWindowIcon(programIcon());
 }
 
