@@ -15,6 +15,10 @@ References::References(Session& session)
 {
     m_context.names = std::make_shared<reference::ProjectNames>(m_taxa, m_places, m_people);
     m_world.editing = m_context;
+    for (reference::ReferenceList* list : {static_cast<reference::ReferenceList*>(&m_taxa),
+                                           static_cast<reference::ReferenceList*>(&m_places),
+                                           static_cast<reference::ReferenceList*>(&m_people)})
+        list->setNames(m_context.names);
 }
 
 } // namespace app

@@ -34,6 +34,8 @@ public:
     ReferenceList(const ReferenceContext& context, const QString& table);
     ~ReferenceList() override;
 
+    /// What the forms of the list show for identifiers; made of the lists themselves, so it comes after them.
+    void setNames(std::shared_ptr<editing::ReferenceNames> names) { m_context.editing.names = std::move(names); }
     /// Number of the jet::Error that the last Save met; 0 when it met none: then it is the form itself that was refused.
     int lastFailure() const { return m_failure; }
 

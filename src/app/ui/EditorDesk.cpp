@@ -12,8 +12,9 @@
 #include "editing/ui/FormDialog.h"
 #include "editing/ui/RecordEditorWindow.h"
 
+#include <QApplication>
 #include <QScopedValueRollback>
-#include <QTimer>
+#include <QThread>
 #include <utility>
 
 namespace app {
@@ -25,6 +26,7 @@ namespace {
 
 /// So many rows around the one that is opened make the list that "previous" and "next" walk.
 constexpr int longestList = 2000;
+constexpr int rereadMilliseconds = 60;
 const QString titleAdd = u"Ajout"_s;
 
 int selectedRows(GridTab& grid)
@@ -112,6 +114,9 @@ struct EditorDesk::Project {
 
 EditorDesk::EditorDesk(Workplace& place) : Desk(place)
 {
+    m_rereading.setSingleShot(true);
+    m_rereading.setInterval(rereadMilliseconds);
+    connect(&m_rereading, &QTimer::timeout, this, &EditorDesk::readAgain);
     connect(&place, &Workplace::editRecordsWanted, this, &EditorDesk::edit);
     connect(&place, &Workplace::recordsWritten, this, &EditorDesk::followWritten);
     connect(&place.documents(), &Documents::rowActivated, this, &EditorDesk::editRow);
@@ -177,6 +182,7 @@ void EditorDesk::projectClosing()
     if (!m_project)
         return;
     session().setForm(nullptr);
+    m_stale = false;
     m_project->window.reset();
     m_project.reset();
 }
@@ -199,8 +205,24 @@ void EditorDesk::updateAway()
         return;
     const bool away = m_busy || place().runner().isRunning();
     window()->setAway(away);
-    if (!away && std::exchange(m_stale, false))
+    if (!away && m_stale)
+        QMetaObject::invokeMethod(this, &EditorDesk::readAgain, Qt::QueuedConnection);
+}
+
+/// A list or form that is open over the editor goes on with the field that it was opened for, which a new reading would
+/// take from under it; so would one within any other loop that waits.
+void EditorDesk::readAgain()
+{
+    if (!window() || !m_stale)
+        return;
+    const bool amid = QApplication::activeModalWidget() || QApplication::activePopupWidget()
+                      || QThread::currentThread()->loopLevel() > 1;
+    if (amid) {
+        m_rereading.start();
+    } else if (!m_busy && !place().runner().isRunning()) {
+        m_stale = false;
         m_project->editing->Query_Refresh();
+    }
 }
 
 void EditorDesk::updateActions()

@@ -3,6 +3,8 @@
 
 #include "app/ui/Desk.h"
 
+#include <QTimer>
+
 namespace editing {
 class Cl_Edition;
 class PicturePane;
@@ -52,6 +54,7 @@ private:
     void tellWritten();
     void followWritten(const QStringList& modules);
     void updateAway();
+    void readAgain();
     void updateActions();
     void photographModes(Photographer& photographer);
     void photographStates(Photographer& photographer);
@@ -64,7 +67,8 @@ private:
     QStringList m_written;     ///< Modules that the editor wrote, not told yet.
     bool m_allWritten = false; ///< Any of them.
     bool m_toTell = false;
-    bool m_stale = false;   ///< Records were written elsewhere while the database was away.
+    bool m_stale = false;   ///< Records were written elsewhere and not read again yet.
+    QTimer m_rereading;     ///< Tries again, where that was not possible at once.
     bool m_telling = false; ///< What is written comes from the editor itself.
 };
 

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 
 namespace editing {
 
@@ -42,6 +43,8 @@ FormDialog::FormDialog(const QString& title, Cl_Editions& form, const ControlWor
         // Return belongs to the fields.
         static_cast<QPushButton*>(button)->setAutoDefault(false);
     }
+    // As in the record editor; a form of many fields is not to be walked to its end.
+    connect(new QShortcut(QKeySequence(u"Ctrl+S"_s), this), &QShortcut::activated, this, &FormDialog::accept);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &FormDialog::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &FormDialog::reject);
     connect(m_pane, &FormPane::edited, this, [this] { m_typed = true; });

@@ -6,6 +6,7 @@
 
 #include <QAbstractItemView>
 #include <QHBoxLayout>
+#include <QPointer>
 
 namespace editing {
 
@@ -15,6 +16,7 @@ namespace {
 
 constexpr int idRole = Qt::UserRole;
 constexpr int nameRole = Qt::UserRole + 1;
+constexpr int rowMargin = 8;
 constexpr int addsNew = -1; ///< Stands for an identifier in the line that adds a name.
 
 QString hint(int type)
@@ -108,6 +110,10 @@ void ReferencePicker::showMatches(const QString& text)
         item->setData(addsNew, idRole);
         m_matches->appendRow(item);
     }
+    // The list is as high as so many first rows, and the last one has a picture.
+    const QSize row(0, m_line->fontMetrics().height() + rowMargin);
+    for (int i = 0; i < m_matches->rowCount(); ++i)
+        m_matches->item(i)->setSizeHint(row);
     if (m_matches->rowCount() == 0)
         return m_completer->popup()->hide();
     m_completer->complete();
@@ -169,13 +175,21 @@ void ReferencePicker::openChooser()
     if (!world().chooser || !ClParent() || m_line->isReadOnly())
         return openList();
     const qint32 now = m_pending ? 0 : ClParent()->value().toInt();
-    takeChosen(world().chooser->choose(ClParent()->ctype(), now, m_pending ? m_line->text().trimmed() : QString(), window()));
+    const QPointer<ReferencePicker> still(this);
+    const auto id =
+        world().chooser->choose(ClParent()->ctype(), now, m_pending ? m_line->text().trimmed() : QString(), window());
+    if (still)
+        takeChosen(id);
 }
 
 void ReferencePicker::addTyped()
 {
-    if (world().chooser && ClParent())
-        takeChosen(world().chooser->add(ClParent()->ctype(), m_line->text().trimmed(), window()));
+    if (!world().chooser || !ClParent())
+        return;
+    const QPointer<ReferencePicker> still(this);
+    const auto id = world().chooser->add(ClParent()->ctype(), m_line->text().trimmed(), window());
+    if (still)
+        takeChosen(id);
 }
 
 void ReferencePicker::takeChosen(std::optional<qint32> id)

@@ -111,7 +111,8 @@ TEST_F(Editor, TellsTheTabsWhatItSaved)
     // And it shows what others write.
     program->session().database().Execute(u"UPDATE Individus SET [Numéro]=\"autre\" WHERE [ID Individus]=1"_s);
     window().place().written({u"Individus"_s});
-    EXPECT_EQ(editor().findChild<QLineEdit*>(u"editeur-Numéro"_s)->text(), u"autre"_s);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return editor().findChild<QLineEdit*>(u"editeur-Numéro"_s)->text() == u"autre"; }, 5000));
 }
 
 TEST_F(Editor, IsAskedBeforeTheProjectGoes)

@@ -11,6 +11,7 @@
 
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -54,21 +55,24 @@ protected:
         QTest::keyClick(&tree.tree(), key, with);
         settle();
     }
+    using Look = std::function<void(editing::FormDialog&)>;
     /// Fills the form that opens next, by keys: Return after each value, until the button that ends it.
-    static void fillNextForm(const QStringList& values)
+    static void fillNextForm(const QStringList& values, const Look& before = {})
     {
         auto* looking = new QTimer(qApp); // not a wait: the form may open in what a wait would run
-        connectLook(*looking, values);
+        connectLook(*looking, values, before);
         looking->start(5);
     }
-    static void connectLook(QTimer& looking, const QStringList& values)
+    static void connectLook(QTimer& looking, const QStringList& values, const Look& before)
     {
-        QObject::connect(&looking, &QTimer::timeout, qApp, [&looking, values] {
+        QObject::connect(&looking, &QTimer::timeout, qApp, [&looking, values, before] {
             auto* dialog = qobject_cast<editing::FormDialog*>(QApplication::activeModalWidget());
             if (!dialog || !dialog->focusWidget() || !looking.isActive())
                 return;
             looking.stop();
             looking.deleteLater();
+            if (before)
+                before(*dialog);
             fill(*dialog, values);
         });
     }
@@ -187,6 +191,40 @@ TEST_F(ReferenceWindow, APlaceIsAddedWithoutPositionAndMovedWithAllThatLiesInIt)
     // The grid of the individuals follows.
     app::GridTab* grid = openRecords(u"Individus"_s);
     EXPECT_EQ(shown(*grid, {u"Localité"_s}), (QStringList{u"Gabon - Makokou"_s, u"Afrique - Gabon"_s, QString()}));
+}
+
+TEST_F(ReferenceWindow, ANameIsAddedFromARecordWithoutLeavingIt)
+{
+    window().place().editRecords(editing::IndividualEditing::levelPath(u"Déterminations"_s, {2}));
+    settle();
+    editing::RecordEditorWindow& editor = *desk<app::EditorDesk>().window();
+    const QPointer<QLineEdit> line = editor.findChild<QLineEdit*>(u"editeur-ID Taxons"_s);
+    line->setFocus();
+    line->selectAll();
+    QTest::keyClicks(line, u"Aucoumea rubra"_s);
+    QWidget* names = QApplication::activePopupWidget();
+    ASSERT_TRUE(names);
+    QString genus;
+    fillNextForm({QString(), u"Mez"_s}, [&](editing::FormDialog& form) {
+        genus = form.findChild<QLineEdit*>(u"editeur-[ID Genre]"_s)->text();
+        // What was read elsewhere meanwhile is not read again under the hand.
+        window().place().written({u"Individus"_s});
+        QCoreApplication::processEvents();
+    });
+    QTest::keyClick(names, Qt::Key_Down);
+    QTest::keyClick(names, Qt::Key_Return);
+    EXPECT_EQ(genus, u"Aucoumea"_s);
+    const auto chosen = [&] { return editor.editing().current()->form->Item(u"ID Taxons"_s)->value().toInt(); };
+    EXPECT_EQ(chosen(), 5);
+    // It stays through the reading that follows.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !line; }, 5000));
+    EXPECT_EQ(chosen(), 5);
+    EXPECT_EQ(editor.findChild<QLineEdit*>(u"editeur-ID Taxons"_s)->text(), u"Aucoumea rubra"_s);
+    EXPECT_EQ(rows(u"SELECT [Nom Complet],[Auteurs],[ID Genre] FROM Taxons WHERE [ID Taxons]>4"_s), QStringList{u"Aucoumea rubra|Mez|2"_s});
+    dialogues.expect({u"Voulez-vous enregistrez les modifications apportées à la propriété < Détermination - N° 2 >"_s,
+                      u"Enregistrements des propriétés"_s, BoxIcon::Question, platform::BoxButtons::YesNoCancel, Answer::Yes},
+                     Answer::No);
+    EXPECT_TRUE(editor.close());
 }
 
 } // namespace
