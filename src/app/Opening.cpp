@@ -4,7 +4,9 @@
 #include "data/CoreModules.h"
 #include "data/CoreSchema.h"
 #include "jet/Recordset.h"
+#include "jet/SqlText.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
 
@@ -82,19 +84,68 @@ private:
     QStringList m_said;
 };
 
-/// Names and providers of the modules in the file, those that could not be built among them.
+/// Names, providers and flags of the modules in the file, those that could not be built among them.
 QList<data::ModuleRecord> modulesInFile(jet::Database& database)
 {
     QList<data::ModuleRecord> modules;
     const auto rows =
-        database.OpenRecordset(u"SELECT [NomModule],[ModuleConnexion] FROM PGTableDefs WHERE [Type]=\"Addin\""_s);
+        database.OpenRecordset(u"SELECT [NomModule],[ModuleConnexion],[Flags],[Index] FROM PGTableDefs WHERE [Type]=\"Addin\""_s);
     for (; !rows->EOF_(); rows->MoveNext()) {
         data::ModuleRecord module;
         module.name = rows->Value(0).toString();
         module.provider = rows->Value(1).toString();
+        module.flags = rows->Value(2).toInt();
+        module.index = rows->Value(3).toInt();
         modules << module;
     }
     return modules;
+}
+
+/// The modules that the purge is about to take with their records because nobody serves them.
+QStringList abandonedModules(jet::Database& database, const Addins& addins)
+{
+    const QList<data::ModuleRecord> modules = modulesInFile(database);
+    const QStringList kept = addins.keptModules(modules);
+    QStringList abandoned;
+    for (const data::ModuleRecord& module : modules) {
+        const bool marked = module.index < 0; // somebody deleted it
+        if (marked || !(module.flags & data::Connecté) || kept.contains(module.name, Qt::CaseInsensitive)
+            || !database.schema().table(module.name))
+            continue;
+        const auto rows = database.OpenRecordset(u"SELECT Count(*) FROM "_s + jet::nom(module.name));
+        if (rows->Value(0).toLongLong() > 0)
+            abandoned << module.name;
+    }
+    return abandoned;
+}
+
+/// A name beside the project that nothing has yet.
+QString modulesBackupPath(const QString& project)
+{
+    const QFileInfo file(project);
+    const QString begin = file.absolutePath() + u'/' + file.completeBaseName() + u".modules"_s;
+    QString path = begin + u".hbx.bak"_s;
+    for (int number = 2; QFileInfo::exists(path); ++number)
+        path = begin + u'-' + QString::number(number) + u".hbx.bak"_s;
+    return path;
+}
+
+/// Copies the open project and says why.
+void keepAbandoned(jet::Database& database, const QStringList& modules, platform::Dialogues& dialogues)
+{
+    const QString path = modulesBackupPath(database.Name());
+    const QString unfinished = temporaryPath(database.Name());
+    QFile::remove(unfinished);
+    try {
+        database.SaveCopy(unfinished);
+        moveToNewName(unfinished, path);
+    } catch (...) {
+        QFile::remove(unfinished);
+        throw;
+    }
+    dialogues.tell(u"Aucun complément ne sert plus « %1 » : ses enregistrements sont retirés du projet.\n"
+                   "Le projet tel qu'il était est gardé dans « %2 »."_s.arg(modules.join(u" », « "_s), path),
+                   u"Herbora"_s, platform::BoxIcon::Warning);
 }
 
 void attach(Addins& addins, jet::Database& database, const data::Dictionary& dictionary)
@@ -175,6 +226,13 @@ void Session::runOpening(const QString& path, platform::Progression& progression
     m_addins->synchronise(database, *m_dictionary);
 
     progression.step(u"Validation de la Structure"_s, 60);
+    const QStringList abandoned = operation ? abandonedModules(database, *m_addins) : QStringList();
+    if (!abandoned.isEmpty()) {
+        operation->commit(); // a copy is made of what is in the file
+        keepAbandoned(database, abandoned, dialogues);
+        operation.reset();
+        operation.emplace(database, u"Mise à jour de la structure"_s);
+    }
     validateStructure();
 
     progression.step(u"Ouverture de la Structure"_s, 70);

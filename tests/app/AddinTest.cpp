@@ -4,6 +4,7 @@
 #include "app/ModuleTree.h"
 #include "data/FieldType.h"
 #include "data/Verification.h"
+#include "jet/Recordset.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -115,9 +116,14 @@ TEST(Addins, PurgeTheModuleOfARemovedLibraryAndTakeItBack)
     addTree(project, u"100"_s);
     project.remove(u"Dendrometrie"_s);
     project.dialogues.expectTell(missing(project, u"Dendrometrie"_s), u"Herbora"_s, BoxIcon::Warning);
+    const QString kept = project.path(u"projet.modules.hbx.bak"_s);
+    project.dialogues.expectTell(u"Aucun complément ne sert plus « Dendrométrie » : ses enregistrements sont retirés du projet.\n"
+                                 "Le projet tel qu'il était est gardé dans « %1 »."_s.arg(kept),
+                                 u"Herbora"_s, BoxIcon::Warning);
     ASSERT_TRUE(project.reopen());
     EXPECT_TRUE(project.dialogues.done());
     EXPECT_EQ(project.moduleNames(), ownModules);
+    EXPECT_EQ(jet::Database::Open(kept)->OpenRecordset(u"SELECT Count(*) FROM [Dendrométrie]"_s)->Value(0).toInt(), 1);
     EXPECT_FALSE(project.db().schema().table(trees));
     EXPECT_EQ(project.single(u"SELECT Count(*) FROM PGTableDefs WHERE NomModule=\"Dendrométrie\""_s).toInt(), 0);
     ASSERT_TRUE(project.reopen()); // nothing is left to be said
