@@ -11,6 +11,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <cerrno>
 
 namespace jet {
 
@@ -140,7 +141,7 @@ void makeEmptyFile(const QString& path)
         throw Error(3204, u"Un journal de « %1 » existe déjà ; supprimez-le ou choisissez un autre nom."_s.arg(path));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        fail(file.error() == QFileDevice::ResourceError ? 3026 : 3051, path);
+        fail(file.error() == QFileDevice::ResourceError ? 3026 : errno == ENAMETOOLONG ? 3044 : 3051, path);
 }
 
 void writeLayout(Store& store, const LocaleString& locale)
