@@ -33,14 +33,14 @@ void EditorActions::makeAll()
     const auto key = [](const QString& text) { return QList<QKeySequence>{QKeySequence(text)}; };
     add = make(u"add"_s, u"list-add"_s, u"&Ajouter sous le nœud choisi"_s, key(u"Ctrl+Ins"_s));
     addSame = make(u"addSame"_s, u"document-new"_s, u"Ajouter un enregistrement du même &Module"_s, key(u"Ctrl+N"_s));
-    addCopy = make(u"addCopy"_s, u"edit-copy"_s, u"Ajouter avec les mêmes &valeurs"_s, key(u"Ctrl+Shift+N"_s));
+    addCopy = make(u"addCopy"_s, u"edit-copy"_s, u"Ajouter avec les mêmes va&leurs"_s, key(u"Ctrl+Shift+N"_s));
     remove = make(u"delete"_s, u"edit-delete"_s, u"&Supprimer l'enregistrement"_s, key(u"Ctrl+Del"_s));
     lock = make(u"lock"_s, u"object-locked"_s, u"&Verrouiller"_s, key(u"Ctrl+L"_s));
     lock->setCheckable(true);
-    parent = make(u"parent"_s, u"go-up"_s, u"Ouvrir le &parent"_s, key(u"Alt+Up"_s));
+    parent = make(u"parent"_s, u"go-up"_s, u"Ouvrir le pa&rent"_s, key(u"Alt+Up"_s));
     move = make(u"changeParent"_s, u"edit-move"_s, u"Cha&nger de parent…"_s, key(u"Ctrl+Shift+P"_s));
     save = make(u"save"_s, u"document-save"_s, u"&Enregistrer"_s, key(u"Ctrl+S"_s));
-    print = make(u"print"_s, u"document-print"_s, u"I&mprimer…"_s, key(u"Ctrl+P"_s));
+    print = make(u"print"_s, u"document-print"_s, u"&Imprimer…"_s, key(u"Ctrl+P"_s));
     close = make(u"close"_s, u"window-close"_s, u"&Fermer"_s, key(u"Ctrl+W"_s));
     field = make(u"champ"_s, {}, u"Le &champ"_s);
     record = make(u"record"_s, {}, u"Le &tableau"_s, key(u"F5"_s));
@@ -60,7 +60,7 @@ void EditorActions::makeAll()
     previousValue = make(u"previousValue"_s, u"edit-paste"_s, u"Reprendre la valeur &précédente"_s, key(u"F7"_s));
     openList = make(u"openList"_s, {}, u"&Ouvrir la liste du champ"_s);
     openList->setToolTip(u"F2"_s);
-    otherPane = make(u"otherPane"_s, {}, u"&Arbre ou formulaire"_s, key(u"F6"_s));
+    otherPane = make(u"otherPane"_s, {}, u"Arbre ou for&mulaire"_s, key(u"F6"_s));
     auto* modes = new QActionGroup(this);
     const auto mode = [&](const QString& name, const QString& icon, const QString& text, const QString& keys) {
         QAction* action = make(name, icon, text, {QKeySequence(keys)});
@@ -97,7 +97,7 @@ void EditorActions::fillMenus(QMainWindow& window)
         menu->addActions(actions);
         return menu->menuAction();
     };
-    QAction* adds = under(addMenu, u"ajouter"_s, u"list-add"_s, u"&Ajouter dans le Module"_s, {});
+    QAction* adds = under(addMenu, u"ajouter"_s, u"list-add"_s, u"Ajouter &dans le Module"_s, {});
     QAction* refreshes = under(refreshMenu, u"refresh"_s, u"view-refresh"_s, u"&Recharger"_s, {field, record, indiv});
     QAction* wizards = under(wizardMenu, u"wizard"_s, u"tools-wizard"_s, u"Assis&tant de saisie"_s, {wztabs, wznull, wzvalid});
     menu(u"menuEnregistrement"_s, u"&Enregistrement"_s,

@@ -200,6 +200,7 @@ void FormPane::addText(QGridLayout& grid, const FormRow& row, FormLayout layout)
     auto* text = new QLabel(row.text, grid.parentWidget());
     text->setTextFormat(Qt::PlainText);
     text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    text->setAccessibleName(row.caption + u' ' + row.text);
     caption->setForegroundRole(QPalette::PlaceholderText);
     if (layout == FormLayout::Above)
         return place(grid, caption, text, nullptr, layout);

@@ -87,7 +87,7 @@ void FoldersDialog::append(const QString& folder)
     auto* item = new QTreeWidgetItem(m_list, {folder, there ? QString() : u"introuvable"_s});
     item->setToolTip(0, folder);
     if (!there)
-        item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+        item->setForeground(0, palette().brush(QPalette::PlaceholderText));
 }
 
 void FoldersDialog::add()

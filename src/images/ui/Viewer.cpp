@@ -2,6 +2,7 @@
 
 #include "images/Calibration.h"
 #include "images/ImagePaths.h"
+#include "platform/ui/Keyboard.h"
 
 #include <QPointer>
 #include <QSignalBlocker>
@@ -47,7 +48,8 @@ Viewer::Viewer(platform::Dialogues& dialogues, QWidget* parent)
     layout->setSpacing(0);
     layout->addWidget(bar);
     layout->addWidget(m_canvas, 1);
-    setFocusProxy(m_canvas);
+    platform::forwardFocus(*this, *m_canvas);
+    platform::reachByTab(*bar);
     m_canvas->measured = [this](const QLineF& segment) { return distanceText(segment.length(), m_pixel); };
     connect(m_canvas, &PictureCanvas::segmentDrawn, this, &Viewer::measure);
     connect(m_canvas, &PictureCanvas::viewChanged, this, &Viewer::loadDetail);

@@ -73,7 +73,7 @@ CalibrationBar::CalibrationBar(MapCanvas& canvas, QWidget* parent) : QWidget(par
         m_marks[size_t(i)] = makeMark(i + 1, *grid);
     m_confirm = new QPushButton(u"&Calibrer"_s, this);
     m_confirm->setObjectName(u"calibrer"_s);
-    auto* cancel = new QPushButton(u"A&nnuler"_s, this);
+    auto* cancel = new QPushButton(u"Ann&uler"_s, this);
     cancel->setObjectName(u"annulerCalibration"_s);
     grid->addWidget(m_confirm, 1, 9);
     grid->addWidget(cancel, 2, 9);

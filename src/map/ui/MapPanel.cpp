@@ -3,6 +3,7 @@
 #include "map/PointLoading.h"
 #include "map/ui/CalibrationBar.h"
 #include "map/ui/Cartographie.h"
+#include "platform/ui/Keyboard.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -48,7 +49,7 @@ MapPanel::MapPanel(const MapWorld& world, QWidget* parent)
     column->addWidget(m_map, 1);
     column->addWidget(m_calibration);
     column->addWidget(makeStatusLine());
-    setFocusProxy(m_map);
+    platform::forwardFocus(*this, *m_map);
     setProperty("manuel", u"cartes"_s); // the page that F1 opens
     connectMap();
     showActions();

@@ -2,6 +2,7 @@
 #include "map/ui/CalibrationBar.h"
 #include "map/ui/Cartographie.h"
 #include "map/ui/MapPanel.h"
+#include "platform/ui/Keyboard.h"
 
 #include <QColorDialog>
 #include <QHBoxLayout>
@@ -21,7 +22,7 @@ const QList<QPair<PointType, QString>>& types()
     static const QList<QPair<PointType, QString>> all{{PointType::Circle, u"&Disques"_s},
                                                       {PointType::Square, u"&Carrés"_s},
                                                       {PointType::Triangle, u"&Triangles"_s},
-                                                      {PointType::Diamond, u"&Losanges"_s},
+                                                      {PointType::Diamond, u"L&osanges"_s},
                                                       {PointType::Cross, u"Croi&x"_s}};
     return all;
 }
@@ -102,6 +103,7 @@ void MapPanel::makeTools()
     m_tools->addSeparator();
     makeZoomActions();
     m_tools->addSeparator();
+    platform::reachByTab(*m_tools);
     makeShowMenu();
     makeMapMenu();
     makeExportMenu();
@@ -174,7 +176,7 @@ void MapPanel::makeShowMenu()
     menu->addAction(numberAction(u"tailleMax"_s, u"Taille maximale"_s, int(m_map->PointMaxSize()), menu,
                                  [this](int size) { m_map->setPointMaxSize(size); }));
     menu->addSeparator();
-    add(menu, u"couleurPoints"_s, u"&Couleur des points…"_s, [this] { chooseColour(false); });
+    add(menu, u"couleurPoints"_s, u"Couleu&r des points…"_s, [this] { chooseColour(false); });
     add(menu, u"couleurSelection"_s, u"Couleur de la &sélection…"_s, [this] { chooseColour(true); });
     addMenu(u"menuAffichageCarte"_s, u"view-visible"_s, u"Affichage"_s, menu);
 }

@@ -1,5 +1,7 @@
 #include "query/ui/CbModule.h"
 
+#include "platform/ui/Keyboard.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
@@ -108,7 +110,7 @@ CbModule::CbModule(FieldTreeModel::Icons icons, QWidget* parent)
     layout->addWidget(m_line);
     layout->addWidget(m_tree, 1);
     layout->addWidget(m_none);
-    setFocusProxy(m_tree);
+    platform::forwardFocus(*this, *m_tree);
     connect(m_line, &QLineEdit::textChanged, this, &CbModule::find);
     connect(m_tree, &QWidget::customContextMenuRequested, this, &CbModule::showMenu);
     connect(m_tree->selectionModel(), &QItemSelectionModel::selectionChanged, this, &CbModule::selectionChanged);

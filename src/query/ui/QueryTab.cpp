@@ -2,6 +2,7 @@
 
 #include "editing/FormDialogue.h"
 #include "jet/Cancelled.h"
+#include "platform/ui/Keyboard.h"
 #include "query/Cancellable.h"
 #include "query/ui/ReplaceDialog.h"
 #include "query/ui/ResultPrinting.h"
@@ -137,6 +138,7 @@ QToolBar* QueryTab::makeToolBar()
     bar->addSeparator();
     for (const QString& name : {u"stat"_s, u"export"_s, u"replace"_s, u"toself"_s})
         bar->addAction(actions[name]);
+    platform::reachByTab(*bar);
     addActions({actions[u"execute"_s], actions[u"definition"_s], actions[u"replace"_s], actions[u"undo"_s],
                 actions[u"redo"_s]});
     return bar;

@@ -58,11 +58,12 @@ ReplaceDialog::ReplaceDialog(const ReplaceSurroundings& surroundings, const data
     sides->addWidget(makeGrid());
     sides->setSizes({240, 620});
     layout->addWidget(sides, 1);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    auto* buttons = new QDialogButtonBox;
     m_replace = buttons->addButton(u"&Remplacer"_s, QDialogButtonBox::ActionRole);
     m_replace->setObjectName(u"remplacer"_s);
     m_replace->setIcon(QIcon::fromTheme(u"edit-find-replace"_s));
     m_replace->setAutoDefault(false);
+    buttons->addButton(QDialogButtonBox::Close); // Tab takes them in the order of their making
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
     connectParts();

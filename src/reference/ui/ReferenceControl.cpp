@@ -1,6 +1,7 @@
 #include "reference/ui/ReferenceControl.h"
 
 #include "platform/ui/EmptyHint.h"
+#include "platform/ui/Keyboard.h"
 #include "platform/ui/TaskRunner.h"
 #include "reference/ui/LinksMenu.h"
 #include "reference/ui/ReferenceWorld.h"
@@ -85,7 +86,7 @@ void ReferenceControl::arrange()
     layout->addWidget(m_find);
     layout->addWidget(m_bar);
     layout->addWidget(&view(), 1);
-    setFocusProxy(&view());
+    platform::forwardFocus(*this, view());
     for (const QString& key : {u"add"_s, u"edit"_s, u"delete"_s})
         m_bar->addAction(command(key));
     QMenu probe;

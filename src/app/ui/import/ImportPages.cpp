@@ -1,6 +1,7 @@
 #include "app/ui/import/ImportPages.h"
 
 #include "jet/Error.h"
+#include "platform/ui/Keyboard.h"
 
 #include <QFileInfo>
 #include <QGridLayout>
@@ -96,7 +97,7 @@ ImportFilePage::ImportFilePage(QList<ImportTarget> targets, platform::Dialogues&
     grid->addWidget(m_preview, 5, 0, 1, 8);
     grid->setRowStretch(5, 1);
     grid->setColumnStretch(1, 1);
-    setFocusProxy(browse);
+    platform::forwardFocus(*this, *browse);
     showRows();
 }
 
@@ -255,7 +256,7 @@ ImportNamesPage::ImportNamesPage(QWidget* parent)
     layout->addWidget(m_note);
     layout->addWidget(m_table, 1);
     auto* row = new QHBoxLayout;
-    const QList<std::pair<QString, int>> all{{u"Tout &créer"_s, NameDecision::Create}, {u"Tout &refuser"_s, NameDecision::Refuse},
+    const QList<std::pair<QString, int>> all{{u"Tout &créer"_s, NameDecision::Create}, {u"Tout re&fuser"_s, NameDecision::Refuse},
                                              {u"Tout laisser &vide"_s, NameDecision::Leave}};
     for (const auto& [text, kind] : all) {
         auto* button = new QPushButton(text, this);

@@ -26,7 +26,7 @@ ImportWindow::ImportWindow(Workplace& place, QWidget* parent)
     : QDialog(parent, Qt::Window), m_place(place), m_pages(new QStackedWidget(this)),
       m_file(new ImportFilePage(importTargets(place.session().modules(), place.session().database().schema()), place.dialogues(), this)),
       m_columns(new ImportColumnsPage(this)), m_names(new ImportNamesPage(this)), m_title(new QLabel(this)),
-      m_progress(new QProgressBar(this)), m_back(new QPushButton(u"< P&récédent"_s, this)), m_next(new QPushButton(this)),
+      m_progress(new QProgressBar(this)), m_back(new QPushButton(u"< Précéde&nt"_s, this)), m_next(new QPushButton(this)),
       m_close(new QPushButton(this))
 {
     setObjectName(u"importTableau"_s);
@@ -103,7 +103,7 @@ ImportPlan ImportWindow::plan() const
 
 void ImportWindow::updateButtons()
 {
-    static const QStringList nextTexts{u"&Suivant >"_s, u"&Suivant >"_s, u"Faire l'e&ssai >"_s, u"&Importer"_s, u"&Autre fichier…"_s};
+    static const QStringList nextTexts{u"Suivan&t >"_s, u"Suivan&t >"_s, u"Faire l'e&ssai >"_s, u"&Importer"_s, u"&Autre fichier…"_s};
     const QString problem = step() == Columns ? CsvImport::problem(plan()) : QString();
     m_columns->setProblem(problem);
     const bool ready = step() != File || !m_file->rows().isEmpty();
@@ -111,7 +111,7 @@ void ImportWindow::updateButtons()
     m_back->setEnabled(!m_working && step() != File && step() != Result);
     m_next->setEnabled(!m_working && !m_away && ready && problem.isEmpty());
     m_next->setText(nextTexts[step()]);
-    m_close->setText(m_working ? u"A&rrêter"_s : u"&Fermer"_s);
+    m_close->setText(m_working ? u"A&rrêter"_s : u"Fe&rmer"_s);
     m_progress->setVisible(m_working);
 }
 

@@ -44,7 +44,7 @@ TrialWindow::TrialWindow(StructureEditing& structure, Session& session, int modu
     auto* buttons = new QDialogButtonBox(this);
     QPushButton* check = buttons->addButton(u"&Vérifier"_s, QDialogButtonBox::ActionRole);
     check->setObjectName(u"verifier"_s);
-    check->setAutoDefault(false);
+    check->setDefault(true);
     QPushButton* close = buttons->addButton(u"&Fermer"_s, QDialogButtonBox::RejectRole);
     close->setObjectName(u"fermer"_s);
     close->setAutoDefault(false);
