@@ -30,7 +30,7 @@ paquets_du_groupe() {
     tidy) echo clang-tidy git ;;
     manuel) echo cmark-gfm ;;
     paquet) echo dpkg-dev file gzip git ;;
-    essai-paquet) echo desktop-file-utils appstream lintian debootstrap libxml2-utils man-db groff ;;
+    essai-paquet) echo desktop-file-utils appstream lintian debootstrap libxml2-utils man-db groff shared-mime-info libglib2.0-bin ;;
     *)
         echo "installer-paquets.sh : groupe inconnu : $1" >&2
         exit 2
