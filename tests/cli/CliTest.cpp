@@ -174,4 +174,26 @@ TEST_F(CliTest, FindsFaults)
     EXPECT_TRUE(found.out.contains(u"1 taxon(s) sans rang"_s));
 }
 
+TEST_F(CliTest, MakesThumbnailsOnceAndNamesWhatCannotBeShown)
+{
+    const QString demo = folder.filePath(u"demo.hbx"_s);
+    ASSERT_EQ(run({u"demo"_s, demo}).status, 0);
+    const Result first = run({u"imagettes"_s, demo});
+    EXPECT_EQ(first.status, 0) << first.err.toStdString();
+    const int made = first.out.trimmed().section(u'\n', -1).section(u' ', 0, 0).toInt();
+    EXPECT_GT(made, 3);
+    EXPECT_TRUE(first.out.endsWith(u"%1 imagette(s) faite(s), 0 à jour, 0 image(s) sans imagette\n"_s.arg(made))) << first.out.toStdString();
+    EXPECT_TRUE(QFile::exists(folder.filePath(u"demo.hbi"_s)));
+    const QString again = u"0 imagette(s) faite(s), %1 à jour, %2 image(s) sans imagette\n"_s;
+    EXPECT_TRUE(run({u"imagettes"_s, demo}).out.endsWith(again.arg(QString::number(made), u"0"_s)));
+
+    ASSERT_EQ(run({u"sql"_s, demo, u"INSERT INTO Images ([ID Individus],[Fichier]) SELECT TOP 1 [ID Individus],\"absente.jpg\" FROM Individus"_s}).status, 0);
+    const Result missing = run({u"imagettes"_s, demo});
+    EXPECT_EQ(missing.status, 0);
+    EXPECT_TRUE(missing.err.contains(u"absente.jpg"_s)) << missing.err.toStdString();
+    EXPECT_TRUE(missing.out.endsWith(again.arg(QString::number(made), u"1"_s))) << missing.out.toStdString();
+    EXPECT_EQ(run({u"imagettes"_s}).status, 2);
+    EXPECT_EQ(run({u"imagettes"_s, folder.filePath(u"absent.hbx"_s)}).status, 1);
+}
+
 } // namespace
