@@ -1,6 +1,7 @@
 #include "app/import/NameMatching.h"
 
 #include "app/import/ImportReport.h"
+#include "app/import/ImportTarget.h"
 #include "data/FieldType.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
@@ -8,6 +9,10 @@
 #include "reference/Cl_Collecteur.h"
 #include "reference/Cl_Localite.h"
 #include "reference/Cl_Taxon.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
 
 namespace app {
 
@@ -48,7 +53,46 @@ QString signsOnly(const QString& authors)
     return text;
 }
 
+/// Letters to be changed, added or taken away to make one text of the other.
+qsizetype lettersApart(const QString& a, const QString& b)
+{
+    QList<qsizetype> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (qsizetype i = 1; i <= a.size(); ++i) {
+        qsizetype before = std::exchange(row[0], i);
+        for (qsizetype j = 1; j <= b.size(); ++j) {
+            const qsizetype changed = before + (a[i - 1] == b[j - 1] ? 0 : 1);
+            before = row[j];
+            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row.last();
+}
+
+/// "Parcelle 12" is no slip for "Parcelle 13".
+QString digitsOnly(const QString& text)
+{
+    QString digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits), [](QChar c) { return c.isDigit(); });
+    return digits;
+}
+
+bool resembles(const QString& name, const QString& known)
+{
+    constexpr qsizetype lettersPerSlip = 6;
+    if (name.startsWith(known + u' ', Qt::CaseInsensitive) && PlantName::of(name).authors == name.mid(known.size() + 1))
+        return true; // a plant with other authors
+    const QString own = foldedName(name);
+    return digitsOnly(name) == digitsOnly(known) && lettersApart(own, foldedName(known)) <= own.size() / lettersPerSlip;
+}
+
 } // namespace
+
+bool mayBeMeant(const UnknownName& name)
+{
+    return name.several || std::any_of(name.near.begin(), name.near.end(),
+                                       [&](const editing::ReferenceMatch& match) { return resembles(name.name, match.name); });
+}
 
 NameKey nameKey(int type, const QString& name)
 {

@@ -27,6 +27,9 @@ struct UnknownName {
     QList<editing::ReferenceMatch> near = {}; ///< Rows that begin like it.
 };
 
+/// Whether the name is that of several rows, or so like a row's that it is more likely a slip than another name.
+bool mayBeMeant(const UnknownName& name);
+
 /// What becomes of the rows with such a name.
 struct NameDecision {
     enum Kind { Refuse, Choose, Create, Leave };

@@ -5,6 +5,7 @@
 #include "app/ui/Photographer.h"
 #include "app/ui/import/ImportWindow.h"
 
+#include <QEventLoop>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -48,9 +49,22 @@ ImportWindow* ImportDesk::open()
     return m_window.get();
 }
 
+/// Work that is stopped is waited for: it ends within some rows, and the project must not go under it.
 bool ImportDesk::mayClose()
 {
-    return !m_window || !m_window->isWorking();
+    if (!m_window || !m_window->isWorking())
+        return true;
+    const bool stop = place().dialogues().confirm(u"Une importation est en cours. Faut-il l'arrêter ?\nRien n'en sera gardé."_s,
+                                                  m_window->windowTitle(), platform::BoxIcon::Question, platform::Answer::No);
+    // What came to its end meanwhile has a report to read.
+    if (!stop || !m_window->isWorking())
+        return false;
+    platform::TaskRunner& runner = place().runner();
+    QEventLoop ending;
+    connect(&runner, &platform::TaskRunner::finished, &ending, &QEventLoop::quit);
+    m_window->stop();
+    ending.exec(QEventLoop::ExcludeUserInputEvents);
+    return m_window->step() != ImportWindow::Result;
 }
 
 void ImportDesk::projectClosing()

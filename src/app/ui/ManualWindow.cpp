@@ -43,6 +43,9 @@ const std::pair<const char*, QString> pagesOfClasses[] = {
     {"app::TrialWindow", u"structure"_s},
     {"app::AccessReportDialog", u"anciens-projets"_s},
     {"app::ImportWindow", u"importer"_s},
+    {"platform::PrintPreview", u"imprimer"_s},
+    {"app::StartPage", u"premiers-pas"_s},
+    {"app::ModuleDock", u"premiers-pas"_s},
     {"app::ManualWindow", u"index"_s},
     {"app::GridTab", u"premiers-pas"_s},
 };
@@ -91,6 +94,11 @@ ManualWindow::ManualWindow(const QString& folder, WindowState& state, QWidget* p
     panes->setCollapsible(1, false);
     setCentralWidget(panes);
     makeToolBar();
+    auto* close = new QAction(u"Fermer le manuel"_s, this);
+    close->setObjectName(u"manualClose"_s);
+    close->setShortcuts({QKeySequence(u"Ctrl+W"_s), QKeySequence(Qt::Key_Escape)});
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
     fillContents();
     resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 42);
     restoreGeometry(m_state.value(manualGeometryKey).toByteArray());

@@ -60,6 +60,61 @@ TEST_F(ImportWindowTest, WalksFromTheFileToTheResultByKeyboard)
     EXPECT_FALSE(window->isVisible());
 }
 
+TEST_F(ImportWindowTest, CreatesNamesThatResembleNoOther)
+{
+    ImportWindow* window = open("Numéro;Collecteur\nIMP1;Zoé Lointaine\nIMP2;Pers\n");
+    const auto people = program->session().database().OpenRecordset(u"SELECT [Collecteur] FROM Collecteurs ORDER BY [Collecteur]"_s);
+    const QString slip = people->Value(0).toString() + u'e';
+    QFile file(path(u"tableau.csv"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(u"Numéro;Collecteur\nIMP1;Zoé Lointaine\nIMP2;%1\n"_s.arg(slip).toUtf8());
+    file.close();
+    window->filePage().setFile(file.fileName());
+    next(window, ImportWindow::Columns);
+    next(window, ImportWindow::Names);
+    ASSERT_EQ(window->findChild<QTableWidget*>(u"importNoms"_s)->rowCount(), 2);
+    EXPECT_EQ(window->findChild<QComboBox*>(u"importDecision0"_s)->currentText(), u"Créer ce nom"_s);
+    EXPECT_EQ(window->findChild<QComboBox*>(u"importDecision1"_s)->currentText(), u"Refuser ces lignes"_s) << slip.toStdString();
+}
+
+TEST_F(ImportWindowTest, ClosingTheProgramWhileItImportsAsksWhetherToStop)
+{
+    QByteArray table("Numéro\n");
+    for (int i = 0; i < 20'000; ++i)
+        table += "IMP" + QByteArray::number(i) + "\n";
+    ImportWindow* window = open(table);
+    next(window, ImportWindow::Columns);
+    next(window, ImportWindow::Names);
+    next(window, ImportWindow::Rehearsal);
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(window->isWorking());
+    const QString question = u"Une importation est en cours. Faut-il l'arrêter ?\nRien n'en sera gardé."_s;
+    dialogues.expectConfirm(question, u"Importer un tableau"_s, false, platform::BoxIcon::Question, platform::Answer::No);
+    this->window().close();
+    EXPECT_TRUE(this->window().isVisible());
+    EXPECT_TRUE(window->isWorking());
+    dialogues.expectConfirm(question, u"Importer un tableau"_s, true, platform::BoxIcon::Question, platform::Answer::No);
+    this->window().close();
+    EXPECT_FALSE(this->window().isVisible());
+    const auto rows = program->session().database().OpenRecordset(u"SELECT COUNT(*) FROM Individus WHERE [Numéro] LIKE \"IMP*\""_s);
+    EXPECT_EQ(rows->Value(0).toInt(), 0);
+}
+
+TEST_F(ImportWindowTest, SaysThatItWasStopped)
+{
+    QByteArray table("Numéro\n");
+    for (int i = 0; i < 20'000; ++i)
+        table += "IMP" + QByteArray::number(i) + "\n";
+    ImportWindow* window = open(table);
+    next(window, ImportWindow::Columns);
+    next(window, ImportWindow::Names);
+    QTest::keyClick(window, Qt::Key_Return);
+    window->findChild<QPushButton*>(u"importFermer"_s)->click();
+    settle();
+    EXPECT_EQ(window->step(), ImportWindow::Names);
+    EXPECT_EQ(window->findChild<QLabel*>(u"importArret"_s)->text(), u"Arrêté : rien n'a été écrit."_s);
+}
+
 TEST_F(ImportWindowTest, AFieldIsFilledByOneColumnAndProblemsKeepFromGoingOn)
 {
     ImportWindow* window = open("Numéro;Code\nA;B\n");

@@ -223,6 +223,7 @@ void ImportColumnsPage::present(const QList<QStringList>& rows, const ImportTarg
         select(box, mapping[column]);
         connect(box, &QComboBox::currentIndexChanged, this, [this, box] { keepOnce(box); });
         m_table->setCellWidget(column, 2, box);
+        setTabOrder(m_fields.isEmpty() ? static_cast<QWidget*>(m_table) : m_fields.last(), box);
         m_fields << box;
     }
     m_table->resizeColumnsToContents();
@@ -280,8 +281,8 @@ void ImportNamesPage::present(const QList<UnknownName>& names)
     m_table->setRowCount(0);
     m_table->setRowCount(int(names.size()));
     m_note->setText(names.isEmpty() ? u"Tous les noms du fichier sont dans les listes du projet."_s
-                                    : u"Ces noms ne sont pas dans les listes du projet, ou y désignent plusieurs lignes. Choisissez ce "
-                                      "qu'ils veulent dire, ou créez-les."_s);
+                                    : u"Ces noms ne sont pas dans les listes du projet, ou y désignent plusieurs lignes. Ceux qui "
+                                      "ressemblent à un autre attendent votre choix ; les autres seront créés. L'essai n'écrit rien."_s);
     for (int i = 0; i < int(names.size()); ++i) {
         const UnknownName& name = names[i];
         m_table->setItem(i, 0, new QTableWidgetItem(listOfType(name.type)));
@@ -303,7 +304,10 @@ void ImportNamesPage::present(const QList<UnknownName>& names)
             box->addItem(u"C'est : "_s + (match.name + u' ' + match.detail).trimmed(), match.id);
             box->setItemData(box->count() - 1, NameDecision::Choose, kindRole);
         }
+        if (!mayBeMeant(name))
+            box->setCurrentIndex(1);
         m_table->setCellWidget(i, 3, box);
+        setTabOrder(m_decisions.isEmpty() ? static_cast<QWidget*>(m_table) : m_decisions.last(), box);
         m_decisions << box;
     }
     m_table->resizeColumnsToContents();

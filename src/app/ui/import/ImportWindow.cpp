@@ -26,7 +26,8 @@ ImportWindow::ImportWindow(Workplace& place, QWidget* parent)
     : QDialog(parent, Qt::Window), m_place(place), m_pages(new QStackedWidget(this)),
       m_file(new ImportFilePage(importTargets(place.session().modules(), place.session().database().schema()), place.dialogues(), this)),
       m_columns(new ImportColumnsPage(this)), m_names(new ImportNamesPage(this)), m_title(new QLabel(this)),
-      m_progress(new QProgressBar(this)), m_back(new QPushButton(u"< Précéde&nt"_s, this)), m_next(new QPushButton(this)),
+      m_said(new QLabel(this)), m_progress(new QProgressBar(this)),
+      m_back(new QPushButton(u"< Précéde&nt"_s, this)), m_next(new QPushButton(this)),
       m_close(new QPushButton(this))
 {
     setObjectName(u"importTableau"_s);
@@ -54,6 +55,8 @@ ImportWindow::ImportWindow(Workplace& place, QWidget* parent)
     layout->addWidget(m_pages, 1);
     layout->addWidget(m_progress);
     auto* row = new QHBoxLayout;
+    m_said->setObjectName(u"importArret"_s);
+    row->addWidget(m_said);
     row->addStretch(1);
     for (QPushButton* button : {m_back, m_next, m_close})
         row->addWidget(button);
@@ -85,6 +88,7 @@ void ImportWindow::go(Step step)
 {
     m_pages->setCurrentIndex(step);
     m_title->setText(titles()[step]);
+    m_said->clear();
     m_pages->currentWidget()->setFocus();
     updateButtons();
 }
@@ -140,10 +144,18 @@ void ImportWindow::setAway(bool away)
     updateButtons();
 }
 
+void ImportWindow::stop()
+{
+    if (!m_working)
+        return;
+    m_place.runner().cancel();
+    m_said->setText(u"Arrêt demandé…"_s);
+}
+
 void ImportWindow::reject()
 {
     if (m_working)
-        m_place.runner().cancel();
+        stop();
     else
         QDialog::reject();
 }
@@ -198,6 +210,7 @@ void ImportWindow::run(bool rehearsal)
 void ImportWindow::work(const QString& text, std::function<void(platform::Progression&)> work, std::function<void()> done)
 {
     m_working = true;
+    m_said->clear();
     m_progress->setValue(0);
     m_progress->setFormat(text);
     updateButtons();
@@ -216,6 +229,8 @@ void ImportWindow::work(const QString& text, std::function<void(platform::Progre
                                 } catch (const jet::Error& error) {
                                     if (error.number() != jet::cancelledError)
                                         place.fail(u"Importer un tableau"_s, error.description());
+                                    else if (self)
+                                        self->m_said->setText(u"Arrêté : rien n'a été écrit."_s);
                                 }
                             },
                             [] {}, text});

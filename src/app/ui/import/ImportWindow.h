@@ -29,6 +29,8 @@ public:
     QString report() const { return m_text[m_pages->currentIndex() == Result]->toPlainText(); }
     void next();
     void back();
+    /// Has the work that runs stopped, if any.
+    void stop();
     /// Another task has the project.
     void setAway(bool away);
 
@@ -50,6 +52,7 @@ private:
     ImportNamesPage* m_names;
     QPlainTextEdit* m_text[2]; ///< Of the rehearsal and of the result.
     QLabel* m_title;
+    QLabel* m_said; ///< That the work was stopped.
     QProgressBar* m_progress;
     QPushButton* m_back;
     QPushButton* m_next;
