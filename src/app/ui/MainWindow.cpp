@@ -12,6 +12,7 @@
 #include "app/ui/PictureDesk.h"
 #include "app/ui/QueryDesk.h"
 #include "app/ui/ReferenceDesk.h"
+#include "app/ui/SizeKeeper.h"
 #include "app/ui/StructureDesk.h"
 #include "app/ui/TreeObjects.h"
 
@@ -77,6 +78,7 @@ MainWindow::MainWindow(Session& session, platform::TaskRunner& runner, platform:
     connectParts();
     connectProgression();
     serveTree();
+    new SizeKeeper(state, this);
     makeDesks();
     showProject();
     restoreState();

@@ -94,11 +94,6 @@ ManualWindow::ManualWindow(const QString& folder, WindowState& state, QWidget* p
     panes->setCollapsible(1, false);
     setCentralWidget(panes);
     makeToolBar();
-    auto* close = new QAction(u"Fermer le manuel"_s, this);
-    close->setObjectName(u"manualClose"_s);
-    close->setShortcuts({QKeySequence(u"Ctrl+W"_s), QKeySequence(Qt::Key_Escape)});
-    connect(close, &QAction::triggered, this, &QWidget::close);
-    addAction(close);
     fillContents();
     resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 42);
     restoreGeometry(m_state.value(manualGeometryKey).toByteArray());
@@ -143,7 +138,8 @@ void ManualWindow::makeToolBar()
     });
     add(u"manualNext"_s, u"go-down"_s, u"Occurrence suivante"_s, u"F3"_s, [this] { find(false); });
     add(u"manualPrevious"_s, u"go-up"_s, u"Occurrence précédente"_s, u"Shift+F3"_s, [this] { find(true); });
-    add(u"manualClose"_s, u"window-close"_s, u"Fermer"_s, u"Ctrl+W"_s, [this] { close(); });
+    add(u"manualClose"_s, u"window-close"_s, u"Fermer"_s, u"Ctrl+W"_s, [this] { close(); })
+        ->setShortcuts({QKeySequence(u"Ctrl+W"_s), QKeySequence(Qt::Key_Escape)});
 }
 
 void ManualWindow::fillContents()

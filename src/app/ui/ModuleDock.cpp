@@ -30,7 +30,7 @@ ModuleDock::ModuleDock(QWidget* parent)
     none->setObjectName(u"noProject"_s);
     none->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
     none->setMargin(12);
-    none->setEnabled(false);
+    none->setForegroundRole(QPalette::PlaceholderText);
     m_pages->setObjectName(u"modulePages"_s);
     m_pages->addWidget(none);
     m_pages->addWidget(m_view);

@@ -1,6 +1,7 @@
 #include "app/ui/Program.h"
 
 #include "app/ui/Icons.h"
+#include "platform/ui/Keyboard.h"
 #include "platform/ui/Readable.h"
 
 #include <QApplication>
@@ -36,8 +37,8 @@ private:
     mutable QString m_command;
 };
 
-/// What Qt's own French texts leave out: the kinds of files in a file dialog.
-class KindsOfFiles : public QTranslator {
+/// What Qt's own French texts leave out: the kinds of files in a file dialog, the newer parts of the print dialog.
+class MissingTexts : public QTranslator {
 public:
     using QTranslator::QTranslator;
 
@@ -48,7 +49,27 @@ public:
             {"Folder", u"Dossier"_s}, {"File", u"Fichier"_s},      {"%1 File", u"Fichier %1"_s},
             {"Drive", u"Disque"_s},   {"Shortcut", u"Raccourci"_s}, {"Alias", u"Alias"_s},
             {"Unknown", u"Inconnu"_s}};
-        return QByteArrayView(context) == "QAbstractFileIconProvider" ? kinds.value(QByteArrayView(source)) : QString();
+        static const QHash<QByteArrayView, QString> printing{
+            {"Double Sided Printing", u"Impression recto verso"_s},
+            {"Off", u"Non"_s},
+            {"Long side binding", u"Reliure sur le grand côté"_s},
+            {"Short side binding", u"Reliure sur le petit côté"_s},
+            {"Invalid Pages Definition", u"Pages mal indiquées"_s},
+            {"Specify pages or ranges separated by commas. Ranges are specified by two numbers separated by a hyphen. E.g: 3,5-7,9 "
+             "prints pages 3, 5, 6, 7 and 9.",
+             u"Pages ou suites de pages séparées par des virgules ; une suite s'écrit avec un tiret. 3,5-7,9 imprime les pages 3, 5, "
+             "6, 7 et 9."_s},
+            {"%1 does not follow the correct syntax. Please use ',' to separate ranges and pages, '-' to define ranges and make "
+             "sure ranges do not intersect with each other.",
+             u"« %1 » n'est pas une suite de pages. Séparez les pages par des virgules ; une suite s'écrit avec un tiret, et deux "
+             "suites n'ont pas de page commune."_s},
+            {"Duplex Settings Conflicts", u"Recto verso impossible"_s},
+            {"There are conflicts in duplex settings. Do you want to fix them?",
+             u"L'imprimante ne permet pas ce recto verso. Faut-il le corriger ?"_s}};
+        const QByteArrayView where(context);
+        if (where == "QAbstractFileIconProvider")
+            return kinds.value(QByteArrayView(source));
+        return where.startsWith("QPrint") ? printing.value(QByteArrayView(source)) : QString();
     }
 };
 
@@ -63,7 +84,7 @@ void useFrench()
         QCoreApplication::installTranslator(texts);
     else
         qCWarning(programLog) << "no French texts for Qt in" << QLibraryInfo::path(QLibraryInfo::TranslationsPath);
-    QCoreApplication::installTranslator(new KindsOfFiles(qApp));
+    QCoreApplication::installTranslator(new MissingTexts(qApp));
 }
 
 void prepareApplication()
@@ -73,6 +94,7 @@ void prepareApplication()
     QApplication::setApplicationVersion(u"" HERBORA_VERSION ""_s);
     QApplication::setDesktopFileName(u"org.herbora.Herbora"_s);
     platform::keepReadable(followPalette);
+    platform::openMenusByShiftF10();
     QApplication::setWindowIcon(programIcon());
 }
 

@@ -93,6 +93,9 @@ void FormPane::show(const QList<FormSection>& sections, FormLayout layout)
     if (layout != FormLayout::Above)
         alignCaptions();
     setWidget(content);
+    // Where the form stands in the window, not behind everything that was made before its fields.
+    if (!m_rows.isEmpty())
+        setTabOrder(this, m_rows.first().control);
     for (qsizetype i = 1; i < m_rows.size(); ++i)
         setTabOrder(m_rows[i - 1].control, m_rows[i].control);
     refreshErrors();

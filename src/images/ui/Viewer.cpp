@@ -50,6 +50,7 @@ Viewer::Viewer(platform::Dialogues& dialogues, QWidget* parent)
     layout->addWidget(m_canvas, 1);
     platform::forwardFocus(*this, *m_canvas);
     platform::reachByTab(*bar);
+    setTabOrder(bar->widgetForAction(m_distance), m_canvas);
     m_canvas->measured = [this](const QLineF& segment) { return distanceText(segment.length(), m_pixel); };
     connect(m_canvas, &PictureCanvas::segmentDrawn, this, &Viewer::measure);
     connect(m_canvas, &PictureCanvas::viewChanged, this, &Viewer::loadDetail);

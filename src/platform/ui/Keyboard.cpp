@@ -1,6 +1,7 @@
 #include "platform/ui/Keyboard.h"
 
-#include <QEvent>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QFocusEvent>
 #include <QPointer>
 #include <QToolBar>
@@ -25,6 +26,21 @@ private:
     QPointer<QWidget> m_part;
 };
 
+class MenuKey : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        if (!widget || event->type() != QEvent::KeyPress
+            || static_cast<QKeyEvent*>(event)->keyCombination() != (Qt::ShiftModifier | Qt::Key_F10))
+            return false;
+        const QPoint at = widget->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, at, widget->mapToGlobal(at));
+        return QCoreApplication::sendEvent(widget, &menu) && menu.isAccepted();
+    }
+};
+
 } // namespace
 
 void forwardFocus(QWidget& whole, QWidget& part)
@@ -39,6 +55,17 @@ void reachByTab(QToolBar& bar)
         if (button->defaultAction())
             button->setFocusPolicy(Qt::TabFocus);
     }
+}
+
+void tabAlong(const QList<QWidget*>& widgets)
+{
+    for (qsizetype i = 1; i < widgets.size(); ++i)
+        QWidget::setTabOrder(widgets[i - 1], widgets[i]);
+}
+
+void openMenusByShiftF10()
+{
+    qApp->installEventFilter(new MenuKey(qApp));
 }
 
 } // namespace platform

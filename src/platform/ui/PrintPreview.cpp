@@ -1,9 +1,12 @@
 #include "platform/ui/PrintPreview.h"
 
+#include "platform/ui/Keyboard.h"
+
 #include <QAction>
 #include <QIcon>
 #include <QPrinter>
 #include <QToolBar>
+#include <QToolButton>
 
 namespace platform {
 
@@ -48,6 +51,9 @@ void PrintPreview::arrange()
     pdf->setShortcut(QKeySequence::Save);
     connect(pdf, &QAction::triggered, this, &PrintPreview::saveAsPdf);
     bar->addAction(pdf);
+    if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(pdf)))
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    reachByTab(*bar);
 }
 
 void PrintPreview::draw(QPrinter* printer)

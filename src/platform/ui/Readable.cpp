@@ -100,6 +100,16 @@ QPalette readable(const QPalette& palette)
                 result.setColor(group, role, better);
         }
     }
+    // What cannot be changed is to be read all the same.
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
+        const QList<QColor> grounds{palette.color(QPalette::Disabled, QPalette::Base),
+                                    palette.color(QPalette::Disabled, QPalette::Window),
+                                    palette.color(QPalette::Disabled, QPalette::Button)};
+        const QColor color = palette.color(QPalette::Disabled, role);
+        const QColor better = readable(color, palette.color(QPalette::Active, role), grounds);
+        if (better != color)
+            result.setColor(QPalette::Disabled, role, better);
+    }
     return result;
 }
 

@@ -15,7 +15,7 @@ constexpr double leastContrast = 4.5;
 double contrast(const QColor& text, const QColor& ground);
 /// `color`, moved as far towards `text` as it takes to be read on each of the grounds.
 QColor readable(const QColor& color, const QColor& text, const QList<QColor>& grounds);
-/// The palette with hints and links that can be read on its windows, lists and their alternate rows.
+/// The palette with hints, links and grey texts that can be read on its windows, lists and their alternate rows.
 QPalette readable(const QPalette& palette);
 
 /// Draws the edge of boxes to tick in a colour that is seen on dark grounds too.

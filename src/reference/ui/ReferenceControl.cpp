@@ -112,6 +112,7 @@ void ReferenceControl::arrange()
     sup->setMenu(m_supMenu);
     sup->setPopupMode(QToolButton::InstantPopup);
     m_bar->addWidget(sup);
+    platform::tabAlong({m_find, links, sup, &view()});
     view().setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&view(), &QWidget::customContextMenuRequested, this, &ReferenceControl::showMenu);
     view().installEventFilter(this);

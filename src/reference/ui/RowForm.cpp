@@ -55,6 +55,7 @@ RowForm::RowForm(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
     connect(m_saveButton, &QPushButton::clicked, this, [this] { m_world->whenHere(this, [this] { save(); }); });
     connect(m_undoButton, &QPushButton::clicked, this, [this] { m_world->whenHere(this, [this] { undo(); }); });
     connect(m_open, &QPushButton::clicked, this, &RowForm::individualsWanted);
+    setTabOrder(m_open, m_pane);
     showNothing({});
 }
 

@@ -1,5 +1,6 @@
 #include "reference/ui/TaxonBrowser.h"
 
+#include "platform/ui/Keyboard.h"
 #include "reference/ui/ReferenceWorld.h"
 
 #include <QHeaderView>
@@ -54,6 +55,7 @@ TaxonBrowser::TaxonBrowser(std::shared_ptr<ReferenceWorld> world, QWidget* paren
     form().setExtra(m_panel);
     m_panel->hide();
     arrange(m_tree, m_tree, u"Lstaxons"_s);
+    platform::tabAlong({&form().pane(), m_synonyms, m_edit, m_delete});
     // A name that became, or is no more, a synonym changes the list of the one that is shown.
     connect(&world->taxa, &ReferenceList::Change, this, [this] {
         this->world().whenHere(this, [this] {

@@ -85,7 +85,10 @@ void PropertySheet::addRow(const QString& name, const QString& label, const QStr
     auto* caption = new QLabel(label, this);
     caption->setBuddy(editor);
     caption->setToolTip(help);
+    const QLayoutItem* last = m_form->rowCount() > 0 ? m_form->itemAt(m_form->rowCount() - 1, QFormLayout::FieldRole) : nullptr;
     m_form->addRow(caption, editor);
+    if (last && last->widget())
+        setTabOrder(last->widget(), editor);
 }
 
 QLineEdit* PropertySheet::addLine(const QString& name, const QString& label, const QString& help,

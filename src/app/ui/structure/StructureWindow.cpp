@@ -377,7 +377,7 @@ void StructureWindow::updateActions()
     enable(u"down"_s, fieldChosen ? m_editing.canMoveField(m_field, 1) : !onField && m_editing.canMoveModule(m_module, 1));
     enable(u"icon"_s, module && !m_editing.isReadOnly(*module));
     enable(u"noIcon"_s, module && !m_editing.isReadOnly(*module) && !module->record.icon.isEmpty());
-    m_actions[u"wizard"_s]->setText(module ? u"Saisie "_s + module->record.name : u"Saisie"_s);
+    m_actions[u"wizard"_s]->setText(module ? u"Sai&sie "_s + module->record.name : u"Sai&sie"_s);
     enable(u"wizard"_s, module && !module->fields.isEmpty());
 }
 
