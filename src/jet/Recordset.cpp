@@ -1,5 +1,6 @@
 #include "jet/RecordsetPrivate.h"
 
+#include "jet/JetLog.h"
 #include "jet/KeyedRows.h"
 #include "jet/SpooledRows.h"
 #include "jet/TableRows.h"
@@ -254,7 +255,7 @@ public:
         try {
             m_store.run(u"COMMIT"_s); // Nothing was written: it cannot lose anything
         } catch (const Error& error) {
-            qWarning("fin de lecture : %s", error.what());
+            qCWarning(jetLog).noquote() << "fin de lecture :" << error.number() << error.description();
         }
     }
     ReadTransaction(const ReadTransaction&) = delete;

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLoggingCategory>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTabWidget>
@@ -29,6 +30,8 @@ public:
     {
         ++questions;
         texts << message.title << message.text;
+        if (accepts && !leaving && message.buttons != platform::BoxButtons::Ok)
+            return platform::Answer::Yes;
         switch (message.buttons) {
         case platform::BoxButtons::Ok:
             return platform::Answer::Ok;
@@ -39,9 +42,10 @@ public:
         }
         return leaving ? platform::Answer::No : platform::Answer::Cancel;
     }
-    std::optional<QString> input(const QString& prompt, const QString& title, const QString&) override
+    std::optional<QString> input(const QString& prompt, const QString& title, const QString& byDefault) override
     {
-        return noted(prompt, title), std::nullopt;
+        noted(prompt, title);
+        return accepts ? std::optional(byDefault) : std::nullopt;
     }
     std::optional<QList<int>> choose(const platform::Choice& choice) override
     {
@@ -57,6 +61,7 @@ public:
 
     int questions = 0;
     bool leaving = false; ///< At the end nothing is saved.
+    bool accepts = false; ///< Says yes instead.
     QStringList texts;
 
 private:
@@ -66,6 +71,12 @@ private:
         texts << text << title;
     }
 };
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 /// Words that a French text does not have.
 bool isEnglish(const QString& text)
@@ -86,6 +97,7 @@ protected:
         program = std::make_unique<app::Program>(
             app::ProgramOptions{QCoreApplication::applicationDirPath(), {}, {}}, dialogues);
         ASSERT_TRUE(makeDemo());
+        prepare();
         program->window().show();
         program->window().commands().openPath(path);
         settle();
@@ -104,6 +116,10 @@ protected:
     }
 
     bool makeDemo();
+    /// What happens to the file before it is opened.
+    virtual void prepare() {}
+    void walkMainWindow();
+    void walkBeside();
     void settle()
     {
         EXPECT_TRUE(QTest::qWaitFor(
@@ -185,6 +201,7 @@ protected:
     QStringList english;
     QStringList walked;
     int opened = 0;
+    bool mayRefuse = false; ///< A window may stay closed.
 };
 
 void Walk::examine(const QWidget& window)
@@ -215,7 +232,7 @@ bool Walk::makeDemo()
 }
 
 /// Of the main window: what ends the program or takes the project away is left to tests of its own.
-TEST_F(Walk, EveryCommandOfTheMainWindow)
+void Walk::walkMainWindow()
 {
     const QStringList leave{u"quit"_s, u"new"_s, u"open"_s, u"optimise"_s};
     app::MainWindow& window = program->window();
@@ -228,7 +245,6 @@ TEST_F(Walk, EveryCommandOfTheMainWindow)
         }
     }
     EXPECT_GT(window.documents().tabs().size(), 2);
-    EXPECT_GT(opened, 1);
     examine(window);
     const auto actions = actionsOf(window);
     for (const QPointer<QAction>& action : actions) {
@@ -236,6 +252,12 @@ TEST_F(Walk, EveryCommandOfTheMainWindow)
             run(action);
         closeOthers();
     }
+}
+
+TEST_F(Walk, EveryCommandOfTheMainWindow)
+{
+    walkMainWindow();
+    EXPECT_GT(opened, 1);
     EXPECT_GT(walked.size(), 60);
     EXPECT_TRUE(english.isEmpty()) << english.join(u'\n').toStdString();
     EXPECT_TRUE(program->session().isOpen());
@@ -265,7 +287,7 @@ TEST_F(Walk, TheManualOpensAtThePageOfTheTab)
 }
 
 /// The record editor and the structure editor, each command once more in a window that is open.
-TEST_F(Walk, EveryCommandOfTheWindowsBeside)
+void Walk::walkBeside()
 {
     app::MainWindow& window = program->window();
     struct Opening {
@@ -278,6 +300,8 @@ TEST_F(Walk, EveryCommandOfTheWindowsBeside)
          }) {
         c.open();
         settle();
+        if (others().isEmpty() && mayRefuse)
+            continue;
         ASSERT_EQ(others().size(), 1) << c.name;
         QPointer<QWidget> beside = others().first();
         examine(*beside);
@@ -302,7 +326,70 @@ TEST_F(Walk, EveryCommandOfTheWindowsBeside)
         dialogues.leaving = false;
         EXPECT_TRUE(others().isEmpty()) << c.name;
     }
+}
+
+TEST_F(Walk, EveryCommandOfTheWindowsBeside)
+{
+    walkBeside();
     EXPECT_TRUE(english.isEmpty()) << english.join(u'\n').toStdString();
 }
+
+// --- With a file that is not as it should be -------------------------------------------------------
+
+enum class Trouble { ReadOnly, Deleted, Damaged };
+
+/// Every command again, by a user who says yes to everything. Nothing may crash, hang or throw; the rest of the project
+/// is worked with as far as it goes.
+class WalkInTrouble : public Walk, public ::testing::WithParamInterface<std::pair<Trouble, bool>> {
+protected:
+    void prepare() override
+    {
+        // What goes wrong is logged; only what the program does not see itself is of interest.
+        QLoggingCategory::setFilterRules(u"herbora.*=false"_s);
+        dialogues.accepts = GetParam().second;
+        mayRefuse = GetParam().first != Trouble::Deleted;
+        if (GetParam().first == Trouble::ReadOnly)
+            QFile::setPermissions(path, QFile::ReadOwner);
+    }
+    void TearDown() override
+    {
+        Walk::TearDown();
+        QLoggingCategory::setFilterRules({});
+    }
+    /// Zeroes every third page, as a failing disk would while the project is open.
+    void damage() const
+    {
+        constexpr qint64 page = 4096;
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        for (qint64 at = 3 * page; at < file.size(); at += 3 * page) {
+            file.seek(at);
+            file.write(QByteArray(page, '\0'));
+        }
+    }
+};
+
+TEST_P(WalkInTrouble, EveryCommandIsHarmless)
+{
+    if (GetParam().first == Trouble::ReadOnly && !program->session().readOnly())
+        GTEST_SKIP() << "this user may write every file";
+    if (GetParam().first == Trouble::Deleted) {
+        ASSERT_TRUE(QFile::remove(path));
+    }
+    if (GetParam().first == Trouble::Damaged)
+        damage();
+    const QByteArray before = contentOf(path);
+    walkMainWindow();
+    walkBeside();
+    EXPECT_TRUE(program->session().isOpen());
+    if (GetParam().first != Trouble::Damaged) {
+        EXPECT_EQ(contentOf(path), before);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, WalkInTrouble,
+                         ::testing::Values(std::pair{Trouble::ReadOnly, false}, std::pair{Trouble::ReadOnly, true},
+                                           std::pair{Trouble::Deleted, false}, std::pair{Trouble::Deleted, true},
+                                           std::pair{Trouble::Damaged, false}, std::pair{Trouble::Damaged, true}));
 
 } // namespace
