@@ -13,16 +13,26 @@ constexpr double usualPoints = 9, crampedPoints = 7;
 constexpr double paddingMm = 1.2;
 constexpr double widestMm = 70;       ///< A column takes no more unbroken.
 constexpr double widestWordMm = 30;   ///< A longer word is broken.
+constexpr double crampedWordMm = 20;  ///< … where there is little room.
 constexpr int sampledRows = 300;      ///< Widths are found from the first ones.
 constexpr int rowsAtOnce = 200;
 constexpr double highestShare = 0.4;  ///< Of the page; a longer text is cut.
 
-/// Lines end between words; only a word that is wider than its cell is broken.
-int wrapOf(const QFontMetricsF& metrics, const QString& text, double room)
+/// Lines end between words; a word that is wider than its cell gets places (of no width) where a line may end.
+QString breakable(const QFontMetricsF& metrics, const QString& text, double room)
 {
-    const QStringList words = text.simplified().split(u' ');
-    const bool fit = std::all_of(words.begin(), words.end(), [&](const QString& word) { return metrics.horizontalAdvance(word) <= room; });
-    return fit ? Qt::TextWordWrap : Qt::TextWrapAnywhere;
+    QString result;
+    double taken = 0; // of the word that runs
+    for (const QChar c : text) {
+        const double width = c.isSpace() ? 0 : metrics.horizontalAdvance(c);
+        taken = c.isSpace() ? 0 : taken + width;
+        if (taken > room && taken > width) {
+            result += QChar(0x200B);
+            taken = width;
+        }
+        result += c;
+    }
+    return result;
 }
 
 } // namespace
@@ -42,6 +52,7 @@ const PrintRow& TablePrinter::row(qint64 number)
 
 void TablePrinter::measure(const PrintedPage& page, double points)
 {
+    const double widestWord = page.mm(points < usualPoints ? crampedWordMm : widestWordMm);
     m_points = points;
     m_padding = page.mm(paddingMm);
     m_boldMetrics = page.metrics(PrintedPage::font(points, true));
@@ -53,6 +64,8 @@ void TablePrinter::measure(const PrintedPage& page, double points)
             widest = qMax(widest, metrics.horizontalAdvance(word));
         return widest;
     };
+    m_mean = QList<double>(m_table.columns.size());
+    m_whole.clear();
     m_natural.clear();
     m_least.clear();
     for (const PrintColumn& column : m_table.columns) {
@@ -62,14 +75,18 @@ void TablePrinter::measure(const PrintedPage& page, double points)
     const QList<PrintRow> sample = m_table.rows(0, sampledRows);
     for (const PrintRow& row : sample) {
         for (qsizetype i = 0; !row.heading && i < qMin(row.cells.size(), m_natural.size()); ++i) {
-            for (const QString& line : row.cells[i].split(u'\n'))
-                m_natural[i] = qMax(m_natural[i], plain.horizontalAdvance(line));
+            for (const QString& line : row.cells[i].split(u'\n')) {
+                const double wide = plain.horizontalAdvance(line);
+                m_natural[i] = qMax(m_natural[i], wide);
+                m_mean[i] += wide / double(sample.size());
+            }
             m_least[i] = qMax(m_least[i], wordWidth(plain, row.cells[i]));
         }
     }
     for (qsizetype i = 0; i < m_natural.size(); ++i) {
+        m_whole << m_natural[i] + 1 + 2 * m_padding;
         m_natural[i] = qMin(m_natural[i] + 1, page.mm(widestMm)) + 2 * m_padding;
-        m_least[i] = qMin(qMin(m_least[i] + 1, page.mm(widestWordMm)) + 2 * m_padding, m_natural[i]);
+        m_least[i] = qMin(qMin(m_least[i] + 1, widestWord) + 2 * m_padding, m_natural[i]);
     }
 }
 
@@ -78,18 +95,29 @@ double TablePrinter::room(const QList<double>& widths) const
     return std::accumulate(widths.begin(), widths.end(), 0.0);
 }
 
-/// Widths of columns that share a sheet: natural ones, or as near to them as there is room.
+/// Widths of columns that share a sheet: natural ones, or more where room is left, or else the least ones and what there is
+/// beyond them, which goes where the texts are long.
 QList<double> TablePrinter::fitted(const QList<int>& columns, double width) const
 {
-    double natural = 0, least = 0;
-    for (const int column : columns) {
-        natural += m_natural[column];
-        least += m_least[column];
-    }
-    const double share = natural <= width ? 1 : natural > least ? qMax(0.0, (width - least) / (natural - least)) : 0;
-    QList<double> widths;
+    QList<double> widths, most;
+    double natural = 0;
     for (const int column : columns)
-        widths << m_least[column] + (m_natural[column] - m_least[column]) * share;
+        natural += m_natural[column];
+    for (const int column : columns) {
+        widths << (natural > width ? m_least[column] : m_natural[column]);
+        most << (natural > width ? m_natural[column] : m_whole[column]);
+    }
+    constexpr int rounds = 4; // a column that is full leaves its part to the others
+    for (int round = 0; round < rounds; ++round) {
+        const double left = width - room(widths);
+        double longest = 0;
+        for (qsizetype i = 0; i < columns.size(); ++i)
+            longest += most[i] > widths[i] ? m_mean[columns[i]] : 0;
+        if (left <= 0 || longest <= 0)
+            break;
+        for (qsizetype i = 0; i < columns.size(); ++i)
+            widths[i] = qMax(widths[i], qMin(most[i], widths[i] + left * m_mean[columns[i]] / longest));
+    }
     return widths;
 }
 
@@ -129,7 +157,7 @@ double TablePrinter::cellHeight(const PrintedPage& page, const QString& text, do
     const double most = page.body().height();
     // Most cells are one line; only the others are laid out.
     const bool single = !text.contains(u'\n') && metrics.horizontalAdvance(text) <= room;
-    const double lines = single ? metrics.height() : metrics.boundingRect(QRectF(0, 0, room, most), wrapOf(metrics, text, room), text).height();
+    const double lines = single ? metrics.height() : metrics.boundingRect(QRectF(0, 0, room, most), Qt::TextWordWrap, breakable(metrics, text, room)).height();
     return qMax(lines, metrics.height()) + m_padding;
 }
 
@@ -197,9 +225,10 @@ double TablePrinter::drawRow(QPainter& painter, const PrintedPage& page, const S
         const bool right = !row.heading && m_table.columns[column].right;
         painter.save();
         painter.setClipRect(QRectF(left, top, cell, height));
-        const QString text = row.cells.value(row.heading ? 0 : column);
-        const int lines = wrapOf(header || row.heading ? *m_boldMetrics : *m_plainMetrics, text, box.width());
-        painter.drawText(box, lines | (right ? Qt::AlignRight : Qt::AlignLeft) | (row.heading ? Qt::AlignBottom : Qt::AlignTop), text);
+        const QString text =
+            breakable(header || row.heading ? *m_boldMetrics : *m_plainMetrics, row.cells.value(row.heading ? 0 : column), box.width());
+        const int place = (right ? Qt::AlignRight : Qt::AlignLeft) | (row.heading ? Qt::AlignBottom : Qt::AlignTop);
+        painter.drawText(box, Qt::TextWordWrap | place, text);
         painter.restore();
         left += cell;
     }

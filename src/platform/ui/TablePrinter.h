@@ -69,8 +69,10 @@ private:
     double m_points = 9;
     double m_padding = 0;
     std::optional<QFontMetricsF> m_plainMetrics, m_boldMetrics;
-    QList<double> m_natural; ///< Widths without any break …
-    QList<double> m_least;   ///< … and with all that are possible.
+    QList<double> m_whole;   ///< Widths without any break, …
+    QList<double> m_mean;    ///< Of the widths of the texts, their lines laid side by side.
+    QList<double> m_natural; ///< … the same, but no wider than a column is wont to be, …
+    QList<double> m_least;   ///< … and with all breaks that are possible.
     QList<Sheet> m_sheets;
     QList<Stretch> m_stretches;
     QList<PrintRow> m_page;  ///< Rows read last.

@@ -105,6 +105,26 @@ TEST(TablePrinter, TurnsThePageForWideTablesAndBreaksLongTexts)
     EXPECT_TRUE(pages[0].contains(u"valeur 8"_s));
 }
 
+TEST(TablePrinter, BreaksOnlyTheWordsThatHaveNoRoom)
+{
+    Paper paper;
+    const QString number(60, u'7');
+    paper.print(tableOf({u"A"_s, u"B"_s, u"C"_s, u"D"_s, u"E"_s, u"F"_s, u"G"_s, u"H"_s, u"I"_s, u"J"_s}, 1,
+                        [&](qint64, int column) { return column == 0 ? u"Echantillonnage fait "_s + number : QString(25, u'x'); }));
+    const QString text = paper.pages().join(QString());
+    EXPECT_TRUE(text.contains(u"Echantillonnage"_s)) << text.toStdString();
+    EXPECT_FALSE(text.contains(number));
+    EXPECT_EQ(text.count(u'7'), 60 + 1); // the date has one
+}
+
+TEST(TablePrinter, GivesLongTextsTheRoomThatIsLeft)
+{
+    Paper paper;
+    const QString line = u"des mots "_s.repeated(9) + u"bout"_s;
+    paper.print(tableOf({u"N°"_s, u"Texte"_s}, 1, [&](qint64, int column) { return column == 0 ? u"1"_s : line; }));
+    EXPECT_TRUE(paper.pages().value(0).contains(line)) << paper.pages().value(0).toStdString();
+}
+
 TEST(TablePrinter, LaysColumnsThatHaveNoRoomOnSheetsBesideEachOther)
 {
     Paper paper;
