@@ -264,6 +264,7 @@ ImportNamesPage::ImportNamesPage(QWidget* parent)
         button->setAutoDefault(false);
         button->setObjectName(u"importTout%1"_s.arg(kind));
         connect(button, &QPushButton::clicked, this, [this, kind = kind] { decideAll(kind); });
+        m_all << button;
         row->addWidget(button);
     }
     row->addStretch(1);
@@ -278,6 +279,8 @@ void ImportNamesPage::present(const QList<UnknownName>& names)
 {
     m_names = names;
     m_decisions.clear();
+    for (QPushButton* button : std::as_const(m_all))
+        button->setEnabled(!names.isEmpty());
     m_table->setRowCount(0);
     m_table->setRowCount(int(names.size()));
     m_note->setText(names.isEmpty() ? u"Tous les noms du fichier sont dans les listes du projet."_s

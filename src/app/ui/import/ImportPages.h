@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTableWidget>
 
 namespace app {
@@ -90,6 +91,7 @@ private:
     QLabel* m_note;
     QList<UnknownName> m_names;
     QList<QComboBox*> m_decisions;
+    QList<QPushButton*> m_all; ///< One decision for every name.
 };
 
 } // namespace app
