@@ -16,7 +16,7 @@ namespace {
 constexpr int smallestLevel = 256; ///< Pixels; smaller copies are not worth their place.
 constexpr int labelsMost = 400;
 constexpr int signsMost = 15000; ///< More of them are thinned out.
-constexpr int labelWidthMost = 260;
+constexpr int labelCharactersMost = 40;
 constexpr double selectedLarger = 3; ///< Pixels that selected signs are larger.
 
 QPainterPath shapeOf(PointType type, const QRectF& box)
@@ -237,7 +237,7 @@ void drawLabels(QImage& picture, const DrawnPoints& drawn, const ViewTransform& 
         const QPointF at = view.position(point.at);
         if (!within.contains(at))
             continue;
-        const QString text = metrics.elidedText(point.name, Qt::ElideMiddle, labelWidthMost);
+        const QString text = metrics.elidedText(point.name, Qt::ElideMiddle, labelCharactersMost * metrics.averageCharWidth());
         const double gap = style.sizes.size(point.count, drawn.points.largest()) / 2 + 3;
         QRectF box(at.x() + gap, at.y() - metrics.height() / 2.0, metrics.horizontalAdvance(text) + 2, metrics.height());
         if (box.right() > within.right())
@@ -295,7 +295,7 @@ QImage drawLegend(const Points& points, const PointStyle& style, const QString& 
     QList<int> tops;
     for (const Line& line : lines) {
         const QFontMetrics& letters = tops.isEmpty() ? boldMetrics : metrics;
-        const int text = qMin(labelWidthMost, letters.horizontalAdvance(line.text) + 2);
+        const int text = qMin(labelCharactersMost * letters.averageCharWidth(), letters.horizontalAdvance(line.text) + 2);
         width = qMax(width, text + (line.sign.isNull() ? 0 : column + gap));
         tops << height;
         height += qMax(metrics.height(), int(shownSize(line.sign).height())) + 3;

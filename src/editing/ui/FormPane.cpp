@@ -1,5 +1,7 @@
 #include "editing/ui/FormPane.h"
 
+#include "platform/ui/Keyboard.h"
+
 #include <QFrame>
 #include <QGridLayout>
 
@@ -10,8 +12,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int wideSpacing = 8, narrowSpacing = 2;
-constexpr int widestForm = 900; // longer lines are hard to read
-constexpr int widestCaption = 260;
+/// In characters: longer lines are hard to read.
+constexpr int widestForm = 130;
+constexpr int widestCaption = 38;
 
 /// A red that can be read on the palette's window colour.
 QPalette errorPalette(const QWidget& widget)
@@ -46,7 +49,7 @@ FormPane::FormPane(QWidget* parent) : QScrollArea(parent)
     setAccessibleName(u"Champs de l'enregistrement"_s);
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setFocusPolicy(Qt::NoFocus);
     clear();
 }
@@ -81,7 +84,7 @@ void FormPane::show(const QList<FormSection>& sections, FormLayout layout)
     content->setObjectName(u"champs"_s);
     auto* outer = new QHBoxLayout(content);
     auto* inner = new QWidget(content);
-    inner->setMaximumWidth(widestForm);
+    inner->setMaximumWidth(widestForm * fontMetrics().averageCharWidth());
     outer->addWidget(inner, 1);
     outer->addStretch(0);
     auto* column = new QVBoxLayout(inner);
@@ -94,10 +97,10 @@ void FormPane::show(const QList<FormSection>& sections, FormLayout layout)
         alignCaptions();
     setWidget(content);
     // Where the form stands in the window, not behind everything that was made before its fields.
-    if (!m_rows.isEmpty())
-        setTabOrder(this, m_rows.first().control);
-    for (qsizetype i = 1; i < m_rows.size(); ++i)
-        setTabOrder(m_rows[i - 1].control, m_rows[i].control);
+    QList<QWidget*> order{this};
+    for (const Row& row : std::as_const(m_rows))
+        order << row.control;
+    platform::tabAlong(order);
     refreshErrors();
 }
 
@@ -108,7 +111,7 @@ void FormPane::alignCaptions()
     for (const Row& row : std::as_const(m_rows))
         widest = std::max(widest, row.caption->sizeHint().width());
     for (const Row& row : std::as_const(m_rows))
-        row.caption->setMinimumWidth(std::min(widest, widestCaption));
+        row.caption->setMinimumWidth(std::min(widest, widestCaption * fontMetrics().averageCharWidth()));
 }
 
 void FormPane::addSection(QVBoxLayout& column, const FormSection& section, FormLayout layout)
@@ -152,9 +155,10 @@ void FormPane::place(QGridLayout& grid, QLabel* caption, QWidget* field, QLabel*
     caption->setAlignment(Qt::AlignRight | Qt::AlignTop);
     caption->setContentsMargins(0, 4, 0, 0);
     // A label that may wrap asks for little width: only those that must.
-    if (caption->sizeHint().width() > widestCaption) {
+    const int most = widestCaption * fontMetrics().averageCharWidth();
+    if (caption->sizeHint().width() > most) {
         caption->setWordWrap(true);
-        caption->setFixedWidth(widestCaption);
+        caption->setFixedWidth(most);
     }
     grid.addWidget(caption, row, 0);
     grid.addWidget(field, row, 1);

@@ -51,7 +51,7 @@ MapPanel::MapPanel(const MapWorld& world, QWidget* parent)
     column->addWidget(m_calibration);
     column->addWidget(makeStatusLine());
     platform::forwardFocus(*this, *m_map);
-    setTabOrder(m_tools->findChild<QToolButton*>(u"menuExporter"_s), m_map);
+    platform::tabAlong({m_tools->findChild<QToolButton*>(u"menuExporter"_s), m_map});
     setProperty("manuel", u"cartes"_s); // the page that F1 opens
     connectMap();
     showActions();

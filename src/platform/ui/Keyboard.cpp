@@ -26,6 +26,32 @@ private:
     QPointer<QWidget> m_part;
 };
 
+/// QWidget::setTabOrder passes over what does not take the focus itself, such as the container of fields.
+class TakesFocus {
+public:
+    explicit TakesFocus(const QList<QWidget*>& widgets)
+    {
+        for (QWidget* widget : widgets) {
+            for (QWidget* at = widget; at; at = at->focusProxy())
+                m_before.prepend({at, at->focusPolicy()});
+        }
+        for (QWidget* widget : widgets) {
+            if (widget->focusPolicy() == Qt::NoFocus)
+                widget->setFocusPolicy(Qt::TabFocus);
+        }
+    }
+    ~TakesFocus()
+    {
+        // Containers before their proxies, which they change with them.
+        for (auto at = m_before.rbegin(); at != m_before.rend(); ++at)
+            at->first->setFocusPolicy(at->second);
+    }
+    Q_DISABLE_COPY_MOVE(TakesFocus)
+
+private:
+    QList<std::pair<QWidget*, Qt::FocusPolicy>> m_before;
+};
+
 class MenuKey : public QObject {
 public:
     using QObject::QObject;
@@ -59,8 +85,14 @@ void reachByTab(QToolBar& bar)
 
 void tabAlong(const QList<QWidget*>& widgets)
 {
-    for (qsizetype i = 1; i < widgets.size(); ++i)
-        QWidget::setTabOrder(widgets[i - 1], widgets[i]);
+    const TakesFocus all(widgets);
+    for (qsizetype i = 1; i < widgets.size(); ++i) {
+        QWidget* before = widgets[i - 1];
+        // Qt 6.4 does nothing where `before` is the last of the window, so it is not asked to at once.
+        if (QWidget* other = before->previousInFocusChain(); other != widgets[i])
+            QWidget::setTabOrder(other, widgets[i]);
+        QWidget::setTabOrder(before, widgets[i]);
+    }
 }
 
 void openMenusByShiftF10()

@@ -1,5 +1,6 @@
 #include "query/ui/ResultPane.h"
 
+#include "platform/ui/Keyboard.h"
 #include "query/QueryDefinition.h"
 
 #include <QHBoxLayout>
@@ -80,7 +81,7 @@ ResultPane::ResultPane(platform::TaskRunner& runner, QList<ResultModeFactory> fa
     layout->setSpacing(0);
     layout->addWidget(makePanels());
     layout->addWidget(m_stack, 1);
-    setTabOrder(m_pageButtons.value(u"last"_s), &m_data->grid()); // the panels stand above
+    platform::tabAlong({m_pageButtons.value(u"last"_s), m_data}); // the panels stand above
     connectRun();
     showMessage(u"Le résultat de la requête paraît ici."_s);
     showPanels();

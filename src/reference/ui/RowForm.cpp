@@ -1,5 +1,6 @@
 #include "reference/ui/RowForm.h"
 
+#include "platform/ui/Keyboard.h"
 #include "reference/ui/ReferenceWorld.h"
 
 #include <QHBoxLayout>
@@ -55,7 +56,7 @@ RowForm::RowForm(std::shared_ptr<ReferenceWorld> world, QWidget* parent)
     connect(m_saveButton, &QPushButton::clicked, this, [this] { m_world->whenHere(this, [this] { save(); }); });
     connect(m_undoButton, &QPushButton::clicked, this, [this] { m_world->whenHere(this, [this] { undo(); }); });
     connect(m_open, &QPushButton::clicked, this, &RowForm::individualsWanted);
-    setTabOrder(m_open, m_pane);
+    platform::tabAlong({m_open, m_pane});
     showNothing({});
 }
 

@@ -240,7 +240,7 @@ TEST_F(StructureWindowTest, WhatRecordsBreakIsNotSaved)
 TEST_F(StructureWindowTest, TheTrialFollowsTheStructure)
 {
     structure().choose(module(u"Images"_s));
-    EXPECT_EQ(structure().command(u"wizard"_s)->text(), u"Saisie Images"_s);
+    EXPECT_EQ(structure().command(u"wizard"_s)->text().remove(u'&'), u"Saisie Images"_s);
     run(u"wizard"_s);
     app::TrialWindow* trial = structure().trial();
     ASSERT_TRUE(trial);
