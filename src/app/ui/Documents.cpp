@@ -146,6 +146,15 @@ void Documents::closeCurrent()
         close(m_tabs->currentIndex());
 }
 
+void Documents::step(int by)
+{
+    const int count = m_tabs->count();
+    if (count < 2)
+        return;
+    m_tabs->setCurrentIndex((m_tabs->currentIndex() + by + count) % count);
+    current()->setFocus();
+}
+
 bool Documents::mayCloseAll()
 {
     const QList<platform::DocumentTab*> all = tabs();

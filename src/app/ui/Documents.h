@@ -25,6 +25,7 @@ public:
     /// Shows the tab open under a key; false when there is none.
     bool show(const QString& key);
     void closeCurrent();
+    void step(int by); ///< To the next tab, round at the end; its widget takes the focus.
     /// Asks tabs about what is not saved; false when the user stays.
     bool mayCloseAll();
     void closeAll(); ///< Nothing is asked.

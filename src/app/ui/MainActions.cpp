@@ -72,6 +72,10 @@ void MainActions::makeViewActions()
                   u"F5"_s);
     fitColumns = add(u"fitColumns"_s, u"zoom-fit-width"_s, u"Ajuster les &colonnes"_s,
                      u"Donner à chaque colonne la largeur de son contenu"_s, u"Ctrl+Shift+L"_s);
+    // Backtab is what Tab is with Shift.
+    nextTab = add(u"nextTab"_s, u"go-next"_s, u"O&nglet suivant"_s, u"Afficher l'onglet suivant"_s, u"Ctrl+Tab"_s);
+    previousTab = add(u"previousTab"_s, u"go-previous"_s, u"On&glet précédent"_s, u"Afficher l'onglet précédent"_s,
+                      u"Ctrl+Shift+Backtab"_s);
     expandAll = add(u"expandAll"_s, u"expand-all"_s, u"Tout &développer"_s, u"Ouvrir toutes les branches de l'arbre"_s);
     collapseAll = add(u"collapseAll"_s, u"collapse-all"_s, u"Tout &réduire"_s,
                       u"Fermer les branches de l'arbre"_s);
@@ -135,6 +139,8 @@ QMenu* MainActions::install(QMainWindow& window, ModuleDock& dock) const
     view->addActions({refresh, fitColumns});
     view->addSeparator();
     view->addActions({expandAll, collapseAll});
+    view->addSeparator();
+    view->addActions({nextTab, previousTab});
     view->addSeparator();
     QAction* tree = dock.toggleViewAction();
     tree->setObjectName(u"showTree"_s);

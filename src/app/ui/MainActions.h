@@ -24,6 +24,8 @@ public:
     QAction* open;
     QAction* saveCopy;
     QAction* closeTab;
+    QAction* nextTab;
+    QAction* previousTab;
     QAction* quit;
     QAction* copy;
     QAction* copyWithHeaders;

@@ -95,6 +95,8 @@ void MainWindow::connectActions()
     on(m_actions->saveCopy, [this] { m_commands->saveCopy(); });
     on(m_actions->optimise, [this] { m_commands->optimise(); });
     on(m_actions->closeTab, [this] { m_documents->closeCurrent(); });
+    on(m_actions->nextTab, [this] { m_documents->step(1); });
+    on(m_actions->previousTab, [this] { m_documents->step(-1); });
     on(m_actions->quit, [this] { close(); });
     on(m_actions->expandAll, [this] { m_dock->expandAll(); });
     on(m_actions->collapseAll, [this] { m_dock->collapseAll(); });
@@ -247,6 +249,8 @@ void MainWindow::showCurrentTab()
     const platform::DocumentTab* tab = m_documents->current();
     const bool usable = tab && !m_commands->isBusy();
     m_actions->closeTab->setEnabled(usable);
+    for (QAction* action : {m_actions->nextTab, m_actions->previousTab})
+        action->setEnabled(usable && m_documents->tabs().size() > 1);
     for (const auto& [action, command] : m_actions->ofTabs())
         action->setEnabled(usable && tab->can(command));
     m_count->setText(tab ? tab->statusText() : QString());

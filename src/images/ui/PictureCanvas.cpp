@@ -1,5 +1,7 @@
 #include "images/ui/PictureCanvas.h"
 
+#include "platform/ui/Readable.h"
+
 #include <QPainter>
 #include <cmath>
 
@@ -141,8 +143,10 @@ void PictureCanvas::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.fillRect(rect(), palette().brush(QPalette::Dark));
     if (m_picture.image.isNull()) {
-        painter.setPen(palette().color(QPalette::BrightText));
+        painter.setPen(platform::readable(palette().color(QPalette::BrightText), palette().color(QPalette::WindowText),
+                                          {palette().color(QPalette::Dark)}));
         painter.drawText(rect().adjusted(16, 16, -16, -16), Qt::AlignCenter | Qt::TextWordWrap, m_text);
+        drawFocus(painter);
         return;
     }
     drawPicture(painter);
@@ -162,6 +166,16 @@ void PictureCanvas::paintEvent(QPaintEvent*)
     }
     if (!m_text.isEmpty())
         drawBadge(painter, {8.0 + fontMetrics().height(), double(height()) - 12}, m_text);
+    drawFocus(painter);
+}
+
+void PictureCanvas::drawFocus(QPainter& painter)
+{
+    if (!hasFocus())
+        return;
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }
 
 /// Only what is in sight is drawn, of the image that is there.

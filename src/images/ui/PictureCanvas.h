@@ -79,6 +79,7 @@ private:
     void setView(double zoom, QPointF centre);
     void moveBy(QPointF pixels);
     void drawPicture(QPainter& painter);
+    void drawFocus(QPainter& painter);
     void drawSegment(QPainter& painter, const QLineF& segment, const QString& text);
     void drawBadge(QPainter& painter, QPointF at, const QString& text);
     void showCursor();

@@ -1,6 +1,7 @@
 #include "images/ui/ThumbnailGrid.h"
 
 #include "images/ThumbnailLoader.h"
+#include "platform/ui/Readable.h"
 
 #include <QEvent>
 #include <QHelpEvent>
@@ -278,7 +279,7 @@ void ThumbnailGrid::drawCell(QPainter& painter, qsizetype position, const QRect&
     drawCaptions(painter, position, QRect(cell.left() + margin, cell.bottom() - margin - captions + 1, cell.width() - 2 * margin, captions),
                  selected);
     if (position == m_current && hasFocus()) {
-        painter.setPen(QPen(palette().color(selected ? QPalette::HighlightedText : QPalette::Text), 1, Qt::DotLine));
+        painter.setPen(QPen(palette().color(selected ? QPalette::HighlightedText : QPalette::Text), 2, Qt::DotLine));
         painter.drawRect(frame.adjusted(1, 1, -2, -2));
     }
 }
@@ -307,8 +308,11 @@ void ThumbnailGrid::drawCaptions(QPainter& painter, qsizetype position, const QR
         lines << m_source->name(position);
     if (m_ids)
         lines << QString::number(m_source->id(position));
-    painter.setPen(palette().color(hasFocus() ? QPalette::Active : QPalette::Inactive,
-                                   selected ? QPalette::HighlightedText : QPalette::Text));
+    const QColor text = palette().color(hasFocus() ? QPalette::Active : QPalette::Inactive,
+                                        selected ? QPalette::HighlightedText : QPalette::Text);
+    const bool coloured = !selected && m_background.isValid();
+    painter.setPen(coloured ? platform::readable(text, m_background.lightness() < 128 ? Qt::white : Qt::black, {m_background})
+                            : text);
     QRect line(box.topLeft(), QSize(box.width(), fontMetrics().height()));
     for (const QString& text : std::as_const(lines)) {
         painter.drawText(line, Qt::AlignHCenter | Qt::AlignVCenter,

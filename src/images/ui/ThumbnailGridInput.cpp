@@ -26,6 +26,8 @@ void ThumbnailGrid::setCurrent(qsizetype position)
         else if (box.bottom() >= viewport()->height())
             bar.setValue(bar.value() + box.bottom() + 1 - viewport()->height());
     }
+    const bool known = m_source && position >= 0 && position < m_source->count();
+    setAccessibleDescription(known ? m_source->name(position) : QString()); // what a reader says
     viewport()->update();
     Q_EMIT currentChanged();
 }

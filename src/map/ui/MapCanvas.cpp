@@ -234,8 +234,8 @@ void MapCanvas::paintEvent(QPaintEvent*)
     drawLegendInto(painter);
     if (hasFocus()) {
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(palette().color(QPalette::Highlight));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRect(rect().adjusted(1, 1, -1, -1));
     }
 }
 

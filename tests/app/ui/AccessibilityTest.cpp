@@ -279,6 +279,30 @@ TEST_F(Accessibility, OfContextMenusByKeyboard)
     EXPECT_TRUE(inspection.faults().isEmpty()) << inspection.faults().toStdString();
 }
 
+/// Wherever the focus is in the window.
+TEST_F(Accessibility, OfTheTabsByKeyboard)
+{
+    start();
+    openDemo();
+    for (const QString& key : {u"Individus"_s, u"Lstaxons"_s}) {
+        window().dock().view().setCurrentIndex(window().dock().model().indexOf(key));
+        window().dock().commands().runDefault();
+        settle();
+    }
+    window().place().openQuery(u"Individus"_s, 0); // a window with tabs of its own
+    const auto tabs = window().documents().tabs();
+    ASSERT_EQ(tabs.size(), 3);
+    QApplication::setActiveWindow(&window());
+    for (const qsizetype expected : {0, 1, 2, 0}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(tabs.indexOf(window().documents().current()), expected);
+        EXPECT_TRUE(window().documents().current()->isAncestorOf(QApplication::focusWidget()));
+    }
+    window().dock().view().setFocus();
+    QTest::keyClick(&window().dock().view(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tabs.indexOf(window().documents().current()), 2);
+}
+
 /// 21 is black on white; what a palette has too faint is moved towards its text.
 TEST_F(Accessibility, OfColours)
 {
