@@ -80,9 +80,9 @@ QString ImportReport::text() const
     if (present > 0)
         lines << count(u"Déjà présents, laissés tels quels"_s, present);
     if (under > 0)
-        lines << count(u"Déterminations ajoutées avec leur individu"_s, under);
+        lines << count(rehearsal ? u"Déterminations à ajouter avec leur individu"_s : u"Déterminations ajoutées avec leur individu"_s, under);
     for (const auto& [what, number] : created)
-        lines << count(u"Noms créés dans %1"_s.arg(what), number);
+        lines << count((rehearsal ? u"Noms à créer dans %1"_s : u"Noms créés dans %1"_s).arg(what), number);
     lines << count(u"Lignes refusées"_s, refused);
     for (const ImportProblem& problem : problems)
         lines << u"   "_s + count(problem.reason, problem.rows) << u"      "_s + examplesText(problem);

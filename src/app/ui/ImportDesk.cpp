@@ -89,7 +89,7 @@ void ImportDesk::photograph(Photographer& photographer)
     table.write("Numéro;Collecteur;Date de récolte;Localité;Longitude;Latitude;Altitude;Taxon\r\n"
                 "T 101;Marie Durand;12/05/2024;Pâturage du haut;E006°30'12;N45°10'00;1850;Gentiana lutea L.\r\n"
                 "T 102;Marie Durand;13/05/2024;Pâturage du haut;6,51;45,17;1 870,5;Trifolium alpinum\r\n"
-                "T 103;Marie Durand;hier;Pâturage du haut;6,51;45,17;1 870,5;Trifolium alpinum\r\n");
+                "T 103;Marie Durand;hier;Pâturage du haut;6,51;45,17;1 870,5;Vochysia rectifora\r\n");
     table.close();
     ImportWindow* window = open();
     if (!window)

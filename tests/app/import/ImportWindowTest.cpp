@@ -47,7 +47,8 @@ TEST_F(ImportWindowTest, WalksFromTheFileToTheResultByKeyboard)
     ASSERT_TRUE(decision);
     decision->setCurrentIndex(1); // create
     next(window, ImportWindow::Rehearsal);
-    EXPECT_TRUE(window->report().contains(u"Enregistrements à ajouter : 1"_s)) << window->report().toStdString();
+    for (const QString& line : {u"Enregistrements à ajouter : 1"_s, u"Noms à créer dans Collecteurs : 1"_s})
+        EXPECT_TRUE(window->report().contains(line)) << window->report().toStdString();
     const auto count = [&] {
         const auto rows = program->session().database().OpenRecordset(u"SELECT [Numéro] FROM Individus WHERE [Numéro] LIKE \"IMP*\""_s);
         return rows->EOF_() ? QString() : rows->Value(0).toString();
