@@ -142,7 +142,7 @@ QString helpText()
            "\n"
            "Options\n"
            "  --oui, --non                      répond oui (non) à toutes les questions\n"
-           "  --mot-de-passe MOT                mot de passe du fichier (sql, verifier, importer)\n"
+           "  --mot-de-passe MOT                mot de passe du fichier (sql, verifier, importer access)\n"
            "  --help, --version\n"
            "\n"
            "État de sortie : 0 succès, 1 échec, 2 ligne de commande erronée."_s;
