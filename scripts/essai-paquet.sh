@@ -65,7 +65,7 @@ xmllint --noout "$contenu"/usr/share/mime/packages/*.xml "$contenu"/usr/share/ic
 LC_ALL=C.UTF-8 MANROFFSEQ='' man --warnings -E UTF-8 -l "$contenu"/usr/share/man/man1/*.gz >/dev/null
 lintian --fail-on error "$paquet"
 # The project is known by its content, whatever it is called.
-update-mime-database "$contenu/usr/share/mime"
+XDG_DATA_DIRS=$contenu/usr/share:/usr/share update-mime-database "$contenu/usr/share/mime"
 "$contenu/usr/lib/herbora/herbora-cli" demo "$contenu/sans-suffixe" >/dev/null
 genre=$(XDG_DATA_DIRS="$contenu/usr/share:/usr/share" XDG_DATA_HOME="$contenu" gio info -a standard::content-type "$contenu/sans-suffixe")
 case "$genre" in
@@ -112,8 +112,13 @@ if ! dans apt-get -qq update >"$contenu/apt.log" 2>&1; then
     cat "$contenu/apt.log" >&2
     impossible "les listes de paquets ne se lisent pas"
 fi
-dans apt-get -y -qq -o APT::Keep-Downloaded-Packages=true install --no-install-recommends /tmp/herbora.deb \
-    >"$contenu/apt.log" 2>&1 || { tail -n 20 "$contenu/apt.log" >&2; exit 1; }
+if ! dans apt-get -y -qq -o APT::Keep-Downloaded-Packages=true install --no-install-recommends /tmp/herbora.deb \
+    >"$contenu/apt.log" 2>&1; then
+    tail -n 20 "$contenu/apt.log" >&2
+    # What is not downloaded says nothing of the package; anything else does.
+    if grep -q '^E: .*fetch' "$contenu/apt.log"; then impossible "les paquets dont il dépend ne se téléchargent pas"; fi
+    exit 1
+fi
 
 echo "=== emploi"
 dans herbora-cli demo /tmp/essai.hbx
