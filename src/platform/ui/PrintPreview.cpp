@@ -3,7 +3,10 @@
 #include "platform/ui/Keyboard.h"
 
 #include <QAction>
+#include <QComboBox>
+#include <QGraphicsView>
 #include <QIcon>
+#include <QLineEdit>
 #include <QPrinter>
 #include <QToolBar>
 #include <QToolButton>
@@ -54,6 +57,25 @@ void PrintPreview::arrange()
     if (auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(pdf)))
         button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     reachByTab(*bar);
+    for (auto* zoom : bar->findChildren<QComboBox*>())
+        zoom->setAccessibleName(u"Agrandissement"_s);
+    for (auto* page : bar->findChildren<QLineEdit*>()) {
+        if (!qobject_cast<QComboBox*>(page->parentWidget()))
+            page->setAccessibleName(u"Page"_s);
+    }
+    QList<QWidget*> order;
+    for (QAction* action : bar->actions()) {
+        QWidget* widget = bar->widgetForAction(action);
+        if (widget && widget->focusPolicy() & Qt::TabFocus)
+            order << widget;
+        else if (auto* page = widget ? widget->findChild<QLineEdit*>() : nullptr)
+            order << page;
+    }
+    for (auto* pages : findChildren<QGraphicsView*>()) {
+        pages->setAccessibleName(u"Pages"_s);
+        order << pages;
+    }
+    tabAlong(order);
 }
 
 void PrintPreview::draw(QPrinter* printer)

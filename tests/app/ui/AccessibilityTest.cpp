@@ -1,14 +1,20 @@
 // Every window of the program with the demo project, looked over in light and dark colours and with large letters.
 #include "Inspection.h"
+#include "app/ui/AccessReportDialog.h"
 #include "app/ui/Captures.h"
 #include "app/ui/Desk.h"
 #include "app/ui/Photographer.h"
 #include "app/ui/Program.h"
+#include "platform/ui/ChoiceDialog.h"
 #include "platform/ui/Readable.h"
+#include "query/ui/QueryTab.h"
+#include "query/ui/ReplaceDialog.h"
 
 #include <QDialog>
+#include <QLineEdit>
 #include <QMenu>
 #include <QProcess>
+#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QTemporaryDir>
 #include <QTest>
@@ -148,14 +154,20 @@ protected:
     {
         for (int turn = 0; turn < 5; ++turn) {
             bool any = false;
-            for (QWidget* widget : QApplication::topLevelWidgets()) {
+            QList<QPointer<QWidget>> looked;
+            const QWidgetList all = QApplication::topLevelWidgets();
+            for (QWidget* widget : all) {
                 const bool tip = widget->windowFlags() & Qt::ToolTip & ~Qt::Window;
                 if (widget == &window() || !widget->isVisible() || !widget->isWindow() || tip)
                     continue;
                 any = true;
                 if (!qobject_cast<QMenu*>(widget))
                     lookOver(*widget);
-                widget->close();
+                looked << widget;
+            }
+            for (const QPointer<QWidget>& widget : looked) {
+                if (widget)
+                    widget->close();
             }
             settle();
             if (!any)
@@ -276,6 +288,65 @@ TEST_F(Accessibility, OfContextMenusByKeyboard)
         menu->close();
         EXPECT_EQ(view->currentIndex(), current) << c.view.toStdString();
     }
+    EXPECT_TRUE(inspection.faults().isEmpty()) << inspection.faults().toStdString();
+}
+
+/// What opens only from within another window.
+TEST_F(Accessibility, OfTheDialogsWithin)
+{
+    start();
+    openDemo();
+    closer.start();
+    Inspector shown(*program, inspection, true);
+    const auto others = [&] { return lookAtOthers(); };
+    shown.open(u"Individus"_s);
+    window().findChild<QAction*>(u"print"_s)->trigger();
+    others();
+    shown.open(u"Lstaxons"_s);
+    auto* links = window().documents().current()->findChild<QMenu*>(u"menuLiens"_s);
+    Q_EMIT links->aboutToShow();
+    links->findChild<QAction*>(u"modifierLiens"_s)->trigger();
+    others();
+
+    window().place().openQuery(u"Individus"_s, 0);
+    auto* query = qobject_cast<query::QueryTab*>(window().documents().current());
+    query->execute();
+    shown.settle([query] { return query->pane().hasResult() && query->pane().isComplete(); });
+    query->actions()[u"stat"_s]->trigger();
+    others();
+    query->pane().data().selectAll();
+    query->actions()[u"replace"_s]->trigger();
+    auto* replace = query->findChild<query::ReplaceDialog*>();
+    ASSERT_TRUE(replace);
+    // Return in the tree takes the field that is current.
+    auto* fields = replace->findChild<QTreeView*>(u"champs"_s);
+    fields->setCurrentIndex(fields->model()->index(0, 0, fields->model()->index(0, 0)));
+    QTest::keyClick(fields, Qt::Key_Return);
+    auto* values = replace->findChild<QTableView*>(u"remplacements"_s);
+    ASSERT_EQ(values->model()->rowCount(), 1);
+    values->setCurrentIndex(values->model()->index(0, 0));
+    replace->findChild<QPushButton*>(u"expression"_s)->click();
+    others();
+
+    window().place().editRecords(u"1-Individus;1"_s);
+    settle();
+    QWidget* editor = nullptr;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("editing::RecordEditorWindow") && widget->isVisible())
+            editor = widget;
+    }
+    ASSERT_TRUE(editor);
+    QTest::keyClick(editor->findChild<QLineEdit*>(u"editeur-ID Localités"_s), Qt::Key_F3); // a modal list
+    editor->findChild<QAction*>(u"list"_s)->trigger();
+    others();
+
+    app::AccessReportDialog report(u"Rapport"_s, dialogues, &window());
+    report.show();
+    lookOver(report);
+    platform::ChoiceDialog choice({u"Titre"_s, u"Choisir :"_s, u"Nom"_s, {u"a"_s, u"b"_s}, true}, &window());
+    choice.show();
+    lookOver(choice);
+    EXPECT_EQ(inspection.windows(), 8);
     EXPECT_TRUE(inspection.faults().isEmpty()) << inspection.faults().toStdString();
 }
 

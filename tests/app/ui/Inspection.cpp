@@ -405,7 +405,8 @@ void Inspection::checkDialog(const QWidget& window)
     const bool hasDefault = std::any_of(buttons.begin(), buttons.end(), [](const QPushButton* button) {
         return button->isDefault() || button->autoDefault();
     });
-    if (!hasDefault)
+    const bool entersList = !shownIn<QAbstractItemView>(window).isEmpty(); // Return opens what is current there
+    if (!hasDefault && !buttons.isEmpty() && !entersList)
         fault(u"Entrée"_s, u"pas de bouton par défaut"_s);
 }
 
