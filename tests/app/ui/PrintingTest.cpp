@@ -1,6 +1,7 @@
 // What Ctrl+P makes of each kind of window, with the demo project.
 #include "QueryFixture.h"
 #include "app/Demo.h"
+#include "app/ui/ManualWindow.h"
 #include "editing/IndividualEditing.h"
 #include "editing/ui/RecordEditorWindow.h"
 #include "platform/ui/PrintPreview.h"
@@ -117,6 +118,7 @@ TEST_F(Printing, ThePreviewAndTheDialogsBehindItAreFrench)
         texts << action->toolTip();
     for (const QString& text : {u"Ajuster la largeur"_s, u"Page suivante"_s, u"Mise en page"_s, u"Imprimer"_s})
         EXPECT_TRUE(texts.contains(text)) << text.toStdString();
+    EXPECT_EQ(ManualWindow::pageFor(window), u"imprimer"_s);
     EXPECT_EQ(QCoreApplication::translate("QPrintSettingsOutput", "Long side binding"), u"Reliure sur le grand côté"_s);
     window->close();
 }
