@@ -374,6 +374,23 @@ TEST_F(Accessibility, OfTheTabsByKeyboard)
     EXPECT_EQ(tabs.indexOf(window().documents().current()), 2);
 }
 
+TEST_F(Accessibility, OfDialogsThatKeepTheirSize)
+{
+    start();
+    const QSize chosen(640, 480);
+    for (const auto& [name, keeps] : {std::pair{u"imageFolders"_s, true}, std::pair{u"formDialog"_s, false}}) {
+        for (const bool again : {false, true}) {
+            QDialog dialog;
+            dialog.setObjectName(name);
+            dialog.resize(300, 200);
+            dialog.show();
+            EXPECT_EQ(dialog.size() == chosen, again && keeps) << name.toStdString();
+            dialog.resize(chosen);
+            dialog.close();
+        }
+    }
+}
+
 /// 21 is black on white; what a palette has too faint is moved towards its text.
 TEST_F(Accessibility, OfColours)
 {
