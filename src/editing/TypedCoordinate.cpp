@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isDigit(QChar c)
+bool isFigure(QChar c)
 {
     return c >= u'0' && c <= u'9';
 }
@@ -27,13 +27,11 @@ std::optional<double> plainDegrees(QString text)
 
 } // namespace
 
-/// The text with the letter of its hemisphere in front (as E, W, N or S), its marks and numbers behind. Empty when it is
-/// no coordinate in degrees, minutes and seconds.
 QString hemisphereFirst(const QString& text, bool longitude)
 {
     QString letters, rest;
     for (const QChar c : text) {
-        if (isDigit(c) || c.isSpace() || QStringView(u"-+.,°º'’′\"”″:").contains(c)) // "º" is a letter
+        if (isFigure(c) || c.isSpace() || QStringView(u"-+.,°º'’′\"”″:").contains(c)) // "º" is a letter
             rest += c;
         else if (c.isLetter())
             letters += c.toUpper();
@@ -60,7 +58,7 @@ QVariant typedCoordinate(const QString& text, bool longitude)
     if (const auto degrees = plainDegrees(text))
         return *degrees;
     const QString coordinate = hemisphereFirst(text, longitude);
-    if (std::none_of(coordinate.begin(), coordinate.end(), isDigit))
+    if (std::none_of(coordinate.begin(), coordinate.end(), isFigure))
         return {};
     const double side = coordinate.front() == u'W' || coordinate.front() == u'S' ? -1 : 1;
     if (const auto degrees = plainDegrees(coordinate.mid(1)))
