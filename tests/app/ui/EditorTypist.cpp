@@ -35,11 +35,16 @@ public:
 
 void typeForEver(editing::RecordEditorWindow& editor)
 {
-    auto* habitat = editor.findChild<QPlainTextEdit*>(u"editeur-Habitat"_s);
-    habitat->setFocus();
-    habitat->moveCursor(QTextCursor::End);
     auto* hand = new QTimer(&editor);
-    QObject::connect(hand, &QTimer::timeout, &editor, [habitat] {
+    QObject::connect(hand, &QTimer::timeout, &editor, [&editor] {
+        // Anew each time: the form is made again when its record is.
+        auto* habitat = editor.findChild<QPlainTextEdit*>(u"editeur-Habitat"_s);
+        if (!habitat)
+            return;
+        if (!habitat->hasFocus()) {
+            habitat->setFocus();
+            habitat->moveCursor(QTextCursor::End);
+        }
         const char letter = char('a' + habitat->toPlainText().size() % 26);
         QTest::keyClick(habitat, letter);
         std::fputc(letter, stdout);
