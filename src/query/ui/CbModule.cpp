@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QVBoxLayout>
+#include <climits>
 
 namespace query {
 
@@ -142,7 +143,9 @@ void CbModule::find(const QString& words)
     const QString chosen = ChampSelected();
     m_finder->find(words);
     if (m_finder->finding()) {
-        expandMatches({}, 0);
+        m_tree->setCurrentIndex({});
+        int nearest = INT_MAX;
+        expandMatches({}, 0, nearest);
     } else {
         m_tree->collapseAll();
         m_tree->expand(m_finder->index(0, 0));
@@ -151,18 +154,18 @@ void CbModule::find(const QString& words)
     m_none->setVisible(m_finder->rowCount() == 0);
 }
 
-/// Opens what leads to a field found, and stands on the first.
-void CbModule::expandMatches(const QModelIndex& parent, int depth)
+/// Opens what leads to a field found, and stands on the one that the fewest links lead to: "altitude" is that of the
+/// individual before that of its place.
+void CbModule::expandMatches(const QModelIndex& parent, int depth, int& nearest)
 {
-    if (depth == 0)
-        m_tree->setCurrentIndex({});
     for (int row = 0; row < m_finder->rowCount(parent); ++row) {
         const QModelIndex index = m_finder->index(row, 0, parent);
         const Node* node = m_model->node(m_finder->mapToSource(index));
         if (depth <= deepestFound && m_finder->rowCount(index) > 0) {
             m_tree->expand(index);
-            expandMatches(index, depth + 1);
-        } else if (node && !node->isModule() && !m_tree->currentIndex().isValid()) {
+            expandMatches(index, depth + 1, nearest);
+        } else if (node && !node->isModule() && depth < nearest) {
+            nearest = depth;
             m_tree->setCurrentIndex(index);
         }
     }

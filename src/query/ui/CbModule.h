@@ -43,7 +43,7 @@ protected:
 
 private:
     class Finder;
-    void expandMatches(const QModelIndex& parent, int depth);
+    void expandMatches(const QModelIndex& parent, int depth, int& nearest);
     void showMenu(const QPoint& at);
     void ask(bool criterion);
 

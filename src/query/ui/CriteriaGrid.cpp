@@ -95,6 +95,14 @@ void CriteriaGrid::keyPressEvent(QKeyEvent* event)
         return command(event->key() == Qt::Key_Up ? u"up"_s : u"down"_s);
     if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && !editing && currentIndex().isValid())
         return editValue(currentRow());
+    // A tree would go to the row above the group, and the link of a grouped row could not be reached.
+    const bool across = event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    if (across && !editing && currentIndex().isValid()) {
+        const int column = currentIndex().column() + (event->key() == Qt::Key_Left ? -1 : 1);
+        if (const QModelIndex next = currentIndex().siblingAtColumn(column); next.isValid())
+            setCurrentIndex(next);
+        return;
+    }
     QTreeView::keyPressEvent(event);
 }
 

@@ -1,5 +1,8 @@
 #include "query/ui/MapMode.h"
 
+#include "platform/ui/PrintPreview.h"
+#include "platform/ui/RecordPrinter.h"
+
 #include <QPointer>
 #include <QVBoxLayout>
 
@@ -17,7 +20,7 @@ const QStringList modulesShown{u"Individus"_s, u"Localités"_s};
 struct MapMode::Loaded : map::LoadedPoints {};
 
 MapMode::MapMode(ResultSource& source, const map::MapWorld& world, platform::TaskRunner& runner, QWidget* parent)
-    : ResultMode(source, parent), m_runner(runner), m_panel(new map::MapPanel(world, this))
+    : ResultMode(source, parent), m_dialogues(world.dialogues), m_clock(world.clock), m_runner(runner), m_panel(new map::MapPanel(world, this))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -152,6 +155,8 @@ bool MapMode::can(platform::TabCommand command) const
     using enum platform::TabCommand;
     if (command == SelectAll || command == ExportRows)
         return !m_panel->map().points().isEmpty();
+    if (command == Print)
+        return true;
     return command == Refresh && !m_runner.isRunning();
 }
 
@@ -162,8 +167,20 @@ void MapMode::run(platform::TabCommand command)
         m_panel->map().selectAll();
     else if (command == ExportRows)
         m_panel->map().SaveToCSV();
+    else if (command == Print)
+        print();
     else if (command == Refresh)
         load();
+}
+
+/// As it is seen, with its legend.
+void MapMode::print()
+{
+    const platform::PrintPicture picture{source().name(), m_panel->map().PictureView(), {statusText()}};
+    const QDateTime time = m_clock.now();
+    platform::preview(
+        {picture.title, [picture, time](QPagedPaintDevice& device) { platform::printPicture(device, picture, time); }},
+        m_dialogues, window());
 }
 
 } // namespace query

@@ -40,7 +40,10 @@ private:
     void adopt(std::shared_ptr<Loaded> loaded);
     void select(const ResultSelection& selection);
     void activate(qint32 locality);
+    void print();
 
+    platform::Dialogues& m_dialogues;
+    const platform::Clock& m_clock;
     platform::TaskRunner& m_runner;
     map::MapPanel* m_panel;
     std::shared_ptr<Loaded> m_loaded; ///< Null before anything was read.

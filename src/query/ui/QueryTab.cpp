@@ -680,8 +680,8 @@ bool QueryTab::can(platform::TabCommand command) const
         return true;
     if (command == ExportRows)
         return (*m_actions)[u"export"_s]->isEnabled();
-    if (command == Print)
-        return m_pane->hasResult() && m_pane->results()->CountRow() > 0 && m_pane->shownMode().key() == u"data";
+    if (command == Print && m_pane->shownMode().key() == u"data")
+        return m_pane->hasResult() && m_pane->results()->CountRow() > 0;
     return m_pane->shownMode().can(command);
 }
 
@@ -694,7 +694,7 @@ void QueryTab::run(platform::TabCommand command)
         return execute();
     if (command == ExportRows)
         return exportRows();
-    if (command == Print)
+    if (command == Print && m_pane->shownMode().key() == u"data")
         return print();
     if (command == Find) {
         showDefinition(true);

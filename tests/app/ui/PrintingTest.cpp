@@ -106,6 +106,18 @@ TEST_F(Printing, AMapIsPrintedWithItsTitleAndCount)
     expectAll(printed(u"carte.pdf"_s), {u"Carte - projet"_s, u"Page 1 sur 1"_s});
 }
 
+TEST_F(Printing, TheMapOfAQueryIsPrintedUnderItsName)
+{
+    if (!QFile::exists(QCoreApplication::applicationDirPath() + u"/Globe.gif"_s))
+        GTEST_SKIP() << "built without maps";
+    query::QueryTab& tab = newQuery();
+    run(tab);
+    tab.pane().setMode(u"map"_s);
+    settle();
+    trigger(u"print"_s);
+    expectAll(printed(u"carte de requête.pdf"_s), {u"Nouvelle Requête"_s, u"localités"_s, u"Page 1 sur 1"_s});
+}
+
 /// What Qt's French catalogue leaves out is filled in.
 TEST_F(Printing, ThePreviewAndTheDialogsBehindItAreFrench)
 {

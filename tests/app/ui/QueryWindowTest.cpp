@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QFile>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -150,6 +151,58 @@ TEST_F(QueryWindowTest, AQueryWithAGroupIsSavedReopenedFilteredExportedAndFollow
                      platform::Answer::No);
     trigger(u"closeTab"_s);
     EXPECT_FALSE(desk().current());
+}
+
+TEST_F(QueryWindowTest, AGroupIsBuiltAndRunByKeysAlone)
+{
+    QTest::keyClick(&window(), Qt::Key_R, Qt::ControlModifier);
+    settle();
+    query::QueryTab* tab = desk().current();
+    ASSERT_TRUE(tab);
+    QWidget* line = &tab->fields().searchLine();
+    query::CriteriaGrid& grid = tab->criteria();
+    QTest::keyClicks(line, u"altitude"_s);
+    QTest::keyClick(line, Qt::Key_Return);
+    QTest::keyClick(line, Qt::Key_Escape);
+    QTest::keyClicks(line, u"numero"_s);
+    QTest::keyClick(line, Qt::Key_Return, Qt::ShiftModifier);
+    typeInto(grid, u"EA 12"_s);
+    QTest::keyClick(&grid, Qt::Key_Insert, Qt::ShiftModifier); // a group of the two
+    typeInto(grid, u"ZM 3"_s);
+    ASSERT_EQ(tab->query().criteria().count(), 2);
+    for (int step = 0; step < 3 && grid.currentIndex().column() != CriteriaModel::Link; ++step)
+        QTest::keyClick(&grid, Qt::Key_Left);
+    EXPECT_EQ(grid.currentIndex().column(), int(CriteriaModel::Link));
+    QTest::keyClick(&grid, Qt::Key_F2);
+    auto* link = grid.viewport()->findChild<QComboBox*>();
+    ASSERT_TRUE(link);
+    QTest::keyClick(link, Qt::Key_Down);
+    QTest::keyClick(link, Qt::Key_Return);
+    EXPECT_EQ(tab->query().TextSQLWhere(), u"(([Individus].[Numéro] = \"EA 12\") OR [Individus].[Numéro] = \"ZM 3\")"_s);
+    QTest::keyClick(&grid, Qt::Key_F5);
+    settle();
+    EXPECT_EQ(shownRows(*tab), (QStringList{u"1234,5"_s, QString()}));
+
+    // The first record is edited in its form; the row follows.
+    QTest::keyClick(&tab->pane().data().grid(), Qt::Key_Return);
+    settle();
+    QWidget* altitude = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets())
+        altitude = altitude ? altitude : top->findChild<QLineEdit*>(u"editeur-Altitude"_s);
+    ASSERT_TRUE(altitude);
+    altitude->window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(altitude->window()));
+    QTest::keyClick(altitude, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(altitude, u"77"_s);
+    dialogues.expect({u"Voulez-vous enregistrez les modifications apportées à la propriété < Individu - N° 1 >"_s,
+                      u"Enregistrements des propriétés"_s, platform::BoxIcon::Question, platform::BoxButtons::YesNo,
+                      platform::Answer::Yes},
+                     platform::Answer::Yes);
+    QTest::keyClick(altitude, Qt::Key_S, Qt::ControlModifier);
+    settle();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownRows(*tab).value(0) == u"77"; }, 5000))
+        << shownRows(*tab).join(u'/').toStdString();
+    tab->query().clear();
 }
 
 TEST_F(QueryWindowTest, WhatCannotRunIsRedAndDoesNotRun)
