@@ -84,7 +84,10 @@ MainWindow::MainWindow(Session& session, platform::TaskRunner& runner, platform:
     restoreState();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    m_documents->closeAll(); // tabs ask the desks, which go before the widgets
+}
 
 void MainWindow::connectActions()
 {

@@ -51,12 +51,13 @@ void QueryDesk::photograph(Photographer& photographer)
 
     tab->pane().data().selectAll();
     tab->actions()[u"replace"_s]->trigger();
-    auto* window = tab->findChild<query::ReplaceDialog*>();
-    const int row = window->model().add(pathOf(tab->query().structure(), {}, {u"Numéro"_s}));
-    window->model().setValue(row, u"RB &~"_s, false);
-    photographer.settle([window] { return window->isReady(); });
-    photographer.take(u"remplacement"_s, *window);
-    window->reject();
+    if (auto* window = tab->findChild<query::ReplaceDialog*>()) { // none where the project cannot be written
+        const int row = window->model().add(pathOf(tab->query().structure(), {}, {u"Numéro"_s}));
+        window->model().setValue(row, u"RB &~"_s, false);
+        photographer.settle([window] { return window->isReady(); });
+        photographer.take(u"remplacement"_s, *window);
+        window->reject();
+    }
     const query::Query& query = tab->query();
     tab->query().begin(query::QueryDefinition(query.definition()), query.NomQuery()); // nothing to be asked for
     place().documents().closeCurrent();
