@@ -121,7 +121,12 @@ TEST(Dictionary, PurgesAModuleWhoseProviderIsGone)
     db.Execute(u"UPDATE PGTableDefs SET ModuleConnexion=\"Dendro\" WHERE NomModule=\"Mesures\""_s);
     project.dialogues.expectTell(u"La DLL Dendro est introuvable dans le répertoire "_s + project.path(u"addins"_s),
                                  u"Herbora"_s, platform::BoxIcon::Warning);
+    project.dialogues.expectTell(
+        u"Aucun complément ne sert plus « Mesures » : ses enregistrements sont retirés du projet.\n"
+        "Le projet tel qu'il était est gardé dans « "_s + project.path(u"projet.modules.hbx.bak"_s) + u" »."_s,
+        u"Herbora"_s, platform::BoxIcon::Warning);
     ASSERT_TRUE(project.open());
+    EXPECT_TRUE(QFileInfo::exists(project.path(u"projet.modules.hbx.bak"_s)));
 
     EXPECT_FALSE(project.session.dictionary().module(u"Mesures"));
     EXPECT_FALSE(project.db().schema().table(u"Mesures"));
