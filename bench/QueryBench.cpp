@@ -4,9 +4,9 @@
 
 #include "app/Demo.h"
 #include "app/Session.h"
+#include "data/Cancellable.h"
 #include "jet/Store.h"
 #include "query/BatchReplace.h"
-#include "query/Cancellable.h"
 #include "query/Query.h"
 #include "query/Results.h"
 
@@ -301,7 +301,7 @@ void CancelAfter(benchmark::State& state, const std::function<void(Stoppable&)>&
             progress.stop = true;
         });
         {
-            const query::Cancellable running(project().db(), progress);
+            const data::Cancellable running(project().db(), progress);
             work(progress);
         }
         const Clock::time_point ended = Clock::now();

@@ -1,6 +1,7 @@
 // The optimise command: repair of links, compaction with a backup.
 #include "app/ProjectFiles.h"
 #include "app/Session.h"
+#include "data/Cancellable.h"
 #include "data/StatementTemplate.h"
 #include "jet/Cancelled.h"
 #include "jet/Compaction.h"
@@ -146,21 +147,6 @@ void compact(const QString& path, platform::Progression& progression)
     }
 }
 
-/// Lets the user stop what runs in the open file.
-class Stoppable {
-public:
-    Stoppable(jet::Database& database, const platform::Progression& progression) : m_database(database)
-    {
-        m_database.SetProgress([&progression] { return !progression.cancelled(); });
-    }
-    ~Stoppable() { m_database.SetProgress({}); }
-    Stoppable(const Stoppable&) = delete;
-    Stoppable& operator=(const Stoppable&) = delete;
-
-private:
-    jet::Database& m_database;
-};
-
 } // namespace
 
 bool Session::optimise(platform::Progression& progression)
@@ -180,7 +166,7 @@ bool Session::optimiseConfirmed(platform::Progression& progression)
     bool done = false;
     try {
         {
-            const Stoppable stoppable(*m_database, progression);
+            const data::Cancellable stoppable(*m_database, progression);
             // A damaged file must not take the place of a sound backup.
             jet::checkPages(*m_database);
             repair(*m_database, modules(), platform::stamp(m_surroundings.clock), progression);

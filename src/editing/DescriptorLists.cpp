@@ -1,5 +1,6 @@
 #include "editing/DescriptorLists.h"
 
+#include "data/Cancellable.h"
 #include "data/FieldType.h"
 #include "editing/Formats.h"
 #include "editing/SameText.h"
@@ -35,21 +36,6 @@ bool isRefusal(int number)
     static const QList<int> rules{3022, 3047, 3058, 3162, 3163, 3200, 3201, 3314, 3315, 3316, 3317, 3421};
     return rules.contains(number);
 }
-
-/// While it lives, a statement of the database stops when the user wants that.
-class Stoppable {
-public:
-    Stoppable(jet::Database& database, const platform::Progression& progression) : m_database(database)
-    {
-        m_database.SetProgress([&progression] { return !progression.cancelled(); });
-    }
-    ~Stoppable() { m_database.SetProgress({}); }
-    Stoppable(const Stoppable&) = delete;
-    Stoppable& operator=(const Stoppable&) = delete;
-
-private:
-    jet::Database& m_database;
-};
 
 bool holds(const QStringList& items, const QString& text)
 {
@@ -303,7 +289,7 @@ void DescriptorLists::rewriteRecords(const Change& change, platform::Progression
 /// The list stays changed where only the records refused.
 void DescriptorLists::applyWhole(const Change& change, platform::Progression& progression)
 {
-    const Stoppable stoppable(m_database, progression);
+    const data::Cancellable stoppable(m_database, progression);
     std::optional<jet::Error> refused;
     jet::Operation operation(m_database, change.title);
     store(change.field, change.items);

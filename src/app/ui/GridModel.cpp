@@ -1,6 +1,7 @@
 #include "app/ui/GridModel.h"
 
 #include "app/Session.h"
+#include "data/Cancellable.h"
 #include "data/FieldType.h"
 #include "jet/Cancelled.h"
 #include "jet/SqlText.h"
@@ -34,22 +35,6 @@ QString yesNo(const QVariant& value)
 {
     return value.toBool() ? u"Oui"_s : u"Non"_s;
 }
-
-/// While it lives, a statement of the database stops when the user wants to. Interrupting the database itself
-/// would stop the half-read rows of other grids too.
-class Cancellable {
-public:
-    Cancellable(jet::Database& database, const platform::Progression& progression) : m_database(database)
-    {
-        m_database.SetProgress([&progression] { return !progression.cancelled(); });
-    }
-    ~Cancellable() { m_database.SetProgress({}); }
-    Cancellable(const Cancellable&) = delete;
-    Cancellable& operator=(const Cancellable&) = delete;
-
-private:
-    jet::Database& m_database;
-};
 
 } // namespace
 
@@ -116,7 +101,7 @@ void GridModel::start(int column, Qt::SortOrder order)
     auto rows = std::make_shared<std::shared_ptr<GridRows>>();
     const QPointer<GridModel> self(this);
     m_runner.start({[=](platform::Progression& progression) {
-                        const Cancellable running(*database, progression);
+                        const data::Cancellable running(*database, progression);
                         *rows = std::make_shared<GridRows>(*database, statement);
                     },
                     [=](std::exception_ptr failure) {

@@ -9,6 +9,7 @@
 #include "app/ui/structure/StructureModel.h"
 #include "app/ui/structure/StructureWindow.h"
 #include "app/ui/structure/TrialWindow.h"
+#include "data/Cancellable.h"
 #include "data/FieldType.h"
 
 #include <QFileInfo>
@@ -147,14 +148,8 @@ void StructureDesk::review()
     try {
         const StructurePlan plan = m_editing->plan();
         runBeside(place().runner(), u"Vérification des enregistrements"_s, [&](platform::Progression& progression) {
-            session().database().SetProgress([&progression] { return !progression.cancelled(); });
-            try {
-                found = reviewOf(session().database(), plan, progression);
-            } catch (...) {
-                session().database().SetProgress({});
-                throw;
-            }
-            session().database().SetProgress({});
+            const data::Cancellable cancellable(session().database(), progression);
+            found = reviewOf(session().database(), plan, progression);
         });
     } catch (const jet::Error& error) {
         constexpr int stopped = 3059;

@@ -1,7 +1,7 @@
 #include "query/ui/DataMode.h"
 
+#include "data/Cancellable.h"
 #include "platform/ui/cl_MSFlexgrid.h"
-#include "query/Cancellable.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -294,7 +294,7 @@ void DataMode::copy(bool headers)
         return;
     auto texts = std::make_shared<RowTexts>();
     const auto read = [results, texts, rows = results->selectedRows()](platform::Progression& progression) {
-        const Cancellable running(*results->database(), progression);
+        const data::Cancellable running(*results->database(), progression);
         *texts = results->copyTexts(rows, &progression);
     };
     const QPointer<DataMode> self(this);

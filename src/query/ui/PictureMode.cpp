@@ -1,10 +1,10 @@
 #include "query/ui/PictureMode.h"
 
+#include "data/Cancellable.h"
 #include "data/Modules.h"
 #include "images/ThumbnailLoader.h"
 #include "jet/Recordset.h"
 #include "jet/SqlText.h"
-#include "query/Cancellable.h"
 #include "query/QueryDefinition.h"
 #include "query/StatementParts.h"
 
@@ -121,7 +121,7 @@ void PictureMode::read(const QString& statement, const images::Thumbnails::Done&
     jet::Database& database = source().database();
     const QPointer<PictureMode> self(this);
     m_runner.start({[loaded, statement, &database](platform::Progression& progression) {
-                        const Cancellable cancellable(database, progression);
+                        const data::Cancellable cancellable(database, progression);
                         loaded->pictures = images::readPictures(database, statement, progression);
                         if (loaded->module != data::moduleIndividus)
                             loaded->individuOf = readOwners(database, loaded->module, *loaded->pictures);

@@ -1,9 +1,9 @@
 #include "query/ui/QueryTab.h"
 
+#include "data/Cancellable.h"
 #include "editing/FormDialogue.h"
 #include "jet/Cancelled.h"
 #include "platform/ui/Keyboard.h"
-#include "query/Cancellable.h"
 #include "query/ui/ReplaceDialog.h"
 #include "query/ui/ResultPrinting.h"
 
@@ -535,7 +535,7 @@ void QueryTab::statistics()
         jet::Database* database = &self->m_around.world.database;
         self->m_around.runner.start(
             {[=](platform::Progression& progression) {
-                 const Cancellable running(*database, progression);
+                 const data::Cancellable running(*database, progression);
                  *report = countStatistics(*database, plan, progression);
              },
              [=](std::exception_ptr failure) {
@@ -566,7 +566,7 @@ void QueryTab::exportRows()
     auto written = std::make_shared<bool>(false);
     const QPointer<QueryTab> self(this);
     m_around.runner.start({[=](platform::Progression& progression) {
-                               const Cancellable running(*results->database(), progression);
+                               const data::Cancellable running(*results->database(), progression);
                                *written = results->ExportCSV(*dialogues, file, true, &progression);
                            },
                            [self, results, written, file](std::exception_ptr) {

@@ -1,8 +1,8 @@
 #include "query/ui/ReplaceDialog.h"
 
+#include "data/Cancellable.h"
 #include "data/FieldType.h"
 #include "jet/Cancelled.h"
-#include "query/Cancellable.h"
 #include "query/ui/ExpressionDialog.h"
 
 #include <QHeaderView>
@@ -243,7 +243,7 @@ void ReplaceDialog::count()
     jet::Database* database = &m_around.world.database;
     const QPointer<ReplaceDialog> self(this);
     m_around.runner.start({[=](platform::Progression& progression) {
-                               const Cancellable running(*database, progression);
+                               const data::Cancellable running(*database, progression);
                                *records = replacePreview(*database, plan, previewRecords);
                                *counts = replaceCounts(*database, plan);
                            },
@@ -350,7 +350,7 @@ void ReplaceDialog::run(const ReplacePlan& plan)
     const qint64 announced = m_announced;
     const QPointer<ReplaceDialog> self(this);
     m_around.runner.start({[=](platform::Progression& progression) {
-                               const Cancellable running(*database, progression);
+                               const data::Cancellable running(*database, progression);
                                *changed = runReplacement(*database, plan, announced);
                            },
                            [=](std::exception_ptr failure) {

@@ -1,7 +1,7 @@
 #include "query/ui/ResultRun.h"
 
+#include "data/Cancellable.h"
 #include "jet/Cancelled.h"
-#include "query/Cancellable.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -55,7 +55,7 @@ void ResultRun::start(jet::Database& database, const QString& statement, const Q
     auto first = std::make_shared<Results::Found>();
     const QPointer<ResultRun> self(this);
     m_runner.start({[=, &database](platform::Progression& progression) {
-                        const Cancellable running(database, progression);
+                        const data::Cancellable running(database, progression);
                         *results = std::make_shared<Results>(database);
                         if ((*results)->open(statement))
                             *first = (*results)->look(firstMilliseconds);
@@ -100,7 +100,7 @@ void ResultRun::search()
     auto brought = std::make_shared<Results::Found>();
     const QPointer<ResultRun> self(this);
     m_runner.start({[=, results = m_results, database = m_results->database()](platform::Progression& progression) {
-                        const Cancellable running(*database, progression);
+                        const data::Cancellable running(*database, progression);
                         *brought = results->look(sliceMilliseconds);
                     },
                     [=](std::exception_ptr) {

@@ -1,5 +1,6 @@
 #include "reference/ui/ReferenceWorld.h"
 
+#include "data/Cancellable.h"
 #include "jet/Cancelled.h"
 #include "platform/ui/TaskRunner.h"
 
@@ -46,14 +47,8 @@ void ReferenceWorld::workLong(const QString& title, const std::function<void()>&
 {
     try {
         beside(title, [this, &work](platform::Progression& progression) {
-            database.SetProgress([&progression] { return !progression.cancelled(); });
-            try {
-                work();
-            } catch (...) {
-                database.SetProgress({});
-                throw;
-            }
-            database.SetProgress({});
+            const data::Cancellable cancellable(database, progression);
+            work();
         });
     } catch (const jet::Error& error) {
         qCWarning(worldLog).noquote() << title << error.number() << error.description();

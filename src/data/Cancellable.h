@@ -4,7 +4,7 @@
 #include "jet/Database.h"
 #include "platform/Progression.h"
 
-namespace query {
+namespace data {
 
 /// While it lives, statements of the database stop (3059) when the user wants to. Interrupting the database itself would
 /// stop the half-read rows of other windows too.
@@ -22,4 +22,4 @@ private:
     jet::Database& m_database;
 };
 
-} // namespace query
+} // namespace data
