@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Takes the pictures of the record editor in docs/images anew from the demo project: its modes, its states.
+# Takes the pictures of docs/images anew from the demo project.
 #
 #   scripts/images.sh [PRESET]
 set -euo pipefail
@@ -13,6 +13,9 @@ trap 'rm -rf "$travail"' EXIT
 QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 \
     "$programmes/herbora" --captures "$travail/images" "$travail/herbier-demo.hbx" >"$travail/journal" 2>&1 \
     || { cat "$travail/journal" >&2; exit 1; }
-for image in fiche fiche-sombre fiche-verticale fiche-condensee fiche-liste fiche-erreurs fiche-verrouillee; do
-    cp "$travail/images/$image.png" docs/images/
+cp "$travail/images/individus.png" docs/images/fenetre-principale.png
+cp "$travail/images/individus-sombre.png" docs/images/fenetre-principale-sombre.png
+for image in docs/images/*.png; do
+    case "$image" in *fenetre-principale*) continue ;; esac
+    cp "$travail/images/$(basename "$image")" "$image"
 done
